@@ -103,6 +103,8 @@ extern "C" VCOMRT_EXPORT const IID IID_NULL;
 extern "C" VCOMRT_EXPORT const IID IID_IUnknown;
 extern "C" VCOMRT_EXPORT const IID IID_IDispatch;
 extern "C" VCOMRT_EXPORT const IID IID_IClassFactory;
+#define GUID_NULL IID_NULL
+#define CLSID_NULL IID_NULL
 
 // VARENUM
 enum : VARTYPE {
@@ -112,17 +114,27 @@ enum : VARTYPE {
     VT_I4 = 3,
     VT_R4 = 4,
     VT_R8 = 5,
+    VT_CY = 6,
+    VT_DATE = 7,
     VT_BSTR = 8,
     VT_DISPATCH = 9,
     VT_ERROR = 10,
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
+    VT_I1 = 16,
+    VT_UI1 = 17,
+    VT_UI2 = 18,
     VT_UI4 = 19,
     VT_I8 = 20,
+    VT_UI8 = 21,
     VT_INT = 22,
     VT_UINT = 23,
-    VT_BYREF = 0x4000
+    VT_VECTOR = 0x1000,
+    VT_ARRAY = 0x2000,
+    VT_BYREF = 0x4000,
+    VT_RESERVED = 0x8000,
+    VT_TYPEMASK = 0x0fff
 };
 
 struct IUnknown;
@@ -136,10 +148,16 @@ struct VARIANT {
     WORD wReserved3;
     union {
         LONGLONG llVal;
+        uint64_t ullVal;
         LONG lVal;
+        BYTE bVal;
+        char cVal;
+        USHORT uiVal;
         SHORT iVal;
         float fltVal;
         double dblVal;
+        double date;
+        LONGLONG cyVal; // currency, scaled by 10000
         VARIANT_BOOL boolVal;
         SCODE scode;
         BSTR bstrVal;
@@ -149,6 +167,7 @@ struct VARIANT {
         INT intVal;
         UINT uintVal;
         VARIANT *pvarVal;
+        void *byref;
     };
 };
 typedef VARIANT VARIANTARG;
@@ -202,7 +221,9 @@ enum CLSCTX : DWORD {
 
 enum COINIT : DWORD {
     COINIT_MULTITHREADED = 0x0,
-    COINIT_APARTMENTTHREADED = 0x2
+    COINIT_APARTMENTTHREADED = 0x2,
+    COINIT_DISABLE_OLE1DDE = 0x4,
+    COINIT_SPEED_OVER_MEMORY = 0x8
 };
 
 // No virtual destructors, as on Windows: objects end themselves in Release().
@@ -238,11 +259,15 @@ VCOMRT_EXPORT void CoUninitialize();
 VCOMRT_EXPORT HRESULT CLSIDFromProgID(LPCOLESTR lpszProgID, CLSID *lpclsid);
 VCOMRT_EXPORT HRESULT CLSIDFromString(LPCOLESTR lpsz, CLSID *pclsid);
 VCOMRT_EXPORT int StringFromGUID2(REFGUID rguid, LPOLESTR lpsz, int cchMax);
+VCOMRT_EXPORT HRESULT CoGetClassObject(REFCLSID rclsid, DWORD dwClsContext, LPVOID pvReserved,
+                                       REFIID riid, LPVOID *ppv);
 VCOMRT_EXPORT HRESULT CoCreateInstance(REFCLSID rclsid, IUnknown *pUnkOuter, DWORD dwClsContext,
                                        REFIID riid, LPVOID *ppv);
 
 VCOMRT_EXPORT BSTR SysAllocString(const OLECHAR *psz);
+// A null strIn gives ui characters of uninitialised storage, terminated.
 VCOMRT_EXPORT BSTR SysAllocStringLen(const OLECHAR *strIn, UINT ui);
+VCOMRT_EXPORT BSTR SysAllocStringByteLen(const char *psz, UINT len);
 VCOMRT_EXPORT void SysFreeString(BSTR bstrString);
 VCOMRT_EXPORT UINT SysStringLen(BSTR pbstr);
 VCOMRT_EXPORT UINT SysStringByteLen(BSTR bstr);
