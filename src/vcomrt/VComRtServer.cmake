@@ -19,7 +19,10 @@ function(vcomrt_register_server)
   if(NOT TARGET ${REG_TARGET})
     message(FATAL_ERROR "vcomrt_register_server: no target ${REG_TARGET}")
   endif()
-  if(NOT REG_CLSID MATCHES "^{[0-9A-Fa-f]{8}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{12}}$")
+  # CMake's regular expressions have no {n} repetition.
+  set(h "[0-9A-Fa-f]")
+  set(h4 "${h}${h}${h}${h}")
+  if(NOT REG_CLSID MATCHES "^\\{${h4}${h4}-${h4}-${h4}-${h4}-${h4}${h4}${h4}\\}$")
     message(FATAL_ERROR "vcomrt_register_server: CLSID '${REG_CLSID}' is not of the form {xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}")
   endif()
 
