@@ -1,0 +1,156 @@
+// A minimal in-process automation server for the runtime's activation tests. It serves one class
+// whose objects answer IUnknown and IDispatch, counts its live objects so tests can see that the
+// runtime releases what it takes, and has one class whose factory lookup throws.
+#include <vcomrt/com.h>
+
+#include <atomic>
+#include <cstring>
+#include <stdexcept>
+
+#include "testserverids.h"
+
+#define TESTSERVER_EXPORT extern "C" __attribute__((visibility("default")))
+
+namespace {
+
+std::atomic<int> s_liveObjects{0};
+std::atomic<int> s_factoriesCreated{0};
+
+class TestObject final : public IDispatch {
+public:
+    TestObject() { ++s_liveObjects; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override
+    {
+        if (!ppvObject)
+            return E_POINTER;
+        if (riid == IID_IUnknown || riid == IID_IDispatch) {
+            *ppvObject = static_cast<IDispatch *>(this);
+            AddRef();
+            return S_OK;
+        }
+        *ppvObject = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
+    ULONG STDMETHODCALLTYPE Release() override
+    {
+        const ULONG left = --m_refs;
+        if (left == 0) {
+            --s_liveObjects;
+            delete this;
+        }
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT *pctinfo) override
+    {
+        *pctinfo = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo **) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR *rgszNames, UINT cNames, LCID,
+                                            DISPID *rgDispId) override
+    {
+        if (cNames != 1)
+            return DISP_E_UNKNOWNNAME;
+        if (std::u16string(rgszNames[0]) == u"Answer") {
+            rgDispId[0] = 1;
+            return S_OK;
+        }
+        rgDispId[0] = DISPID_UNKNOWN;
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags,
+                                     DISPPARAMS *, VARIANT *pVarResult, EXCEPINFO *, UINT *) override
+    {
+        if (dispIdMember != 1 || !(wFlags & DISPATCH_PROPERTYGET))
+            return DISP_E_MEMBERNOTFOUND;
+        if (pVarResult) {
+            VariantInit(pVarResult);
+            pVarResult->vt = VT_I4;
+            pVarResult->lVal = 42;
+        }
+        return S_OK;
+    }
+
+private:
+    ~TestObject() = default;
+    std::atomic<ULONG> m_refs{1};
+};
+
+class TestFactory final : public IClassFactory {
+public:
+    TestFactory()
+    {
+        ++s_liveObjects;
+        ++s_factoriesCreated;
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override
+    {
+        if (!ppvObject)
+            return E_POINTER;
+        if (riid == IID_IUnknown || riid == IID_IClassFactory) {
+            *ppvObject = static_cast<IClassFactory *>(this);
+            AddRef();
+            return S_OK;
+        }
+        *ppvObject = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
+    ULONG STDMETHODCALLTYPE Release() override
+    {
+        const ULONG left = --m_refs;
+        if (left == 0) {
+            --s_liveObjects;
+            delete this;
+        }
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown *pUnkOuter, REFIID riid, void **ppvObject) override
+    {
+        if (!ppvObject)
+            return E_POINTER;
+        *ppvObject = nullptr;
+        if (pUnkOuter)
+            return CLASS_E_NOAGGREGATION;
+        TestObject *object = new TestObject;
+        const HRESULT hr = object->QueryInterface(riid, ppvObject);
+        object->Release();
+        return hr;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+private:
+    ~TestFactory() = default;
+    std::atomic<ULONG> m_refs{1};
+};
+
+} // namespace
+
+TESTSERVER_EXPORT HRESULT DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID *ppv)
+{
+    if (!ppv)
+        return E_POINTER;
+    *ppv = nullptr;
+    if (rclsid == CLSID_VComRtThrowingObject)
+        throw std::runtime_error("class object lookup failed");
+    if (rclsid != CLSID_VComRtTestObject)
+        return CLASS_E_CLASSNOTAVAILABLE;
+    TestFactory *factory = new TestFactory;
+    const HRESULT hr = factory->QueryInterface(riid, ppv);
+    factory->Release();
+    return hr;
+}
+
+// Objects and factories alive right now.
+TESTSERVER_EXPORT int vcomrtTestServerLiveObjects()
+{
+    return s_liveObjects.load();
+}
+
+TESTSERVER_EXPORT int vcomrtTestServerFactoriesCreated()
+{
+    return s_factoriesCreated.load();
+}

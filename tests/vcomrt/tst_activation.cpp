@@ -1,0 +1,472 @@
+#include <QtTest>
+
+#include <dlfcn.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include <vcomrt/com.h>
+#include <vcomrt/comptr.h>
+
+#include "testserverids.h"
+
+namespace {
+
+const CLSID CLSID_Missing = {0x7A000001, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01}};
+const CLSID CLSID_NoExport = {0x7A000002, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02}};
+const CLSID CLSID_NotALibrary = {0x7A000003, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03}};
+const CLSID CLSID_Unregistered = {0x7A000004, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x04}};
+
+QString guidText(REFGUID guid)
+{
+    OLECHAR buffer[39];
+    return StringFromGUID2(guid, buffer, 39) ? QString::fromUtf16(buffer) : QString();
+}
+
+using ServerCounter = int (*)();
+
+// -1 while the runtime has not loaded the test server; never loads it itself.
+int serverCounter(const char *name)
+{
+    void *handle = dlopen(VCOMRT_TEST_SERVER_PATH, RTLD_NOW | RTLD_NOLOAD);
+    if (!handle)
+        return -1;
+    auto counter = reinterpret_cast<ServerCounter>(dlsym(handle, name));
+    const int value = counter ? counter() : -2;
+    dlclose(handle);
+    return value;
+}
+
+int liveServerObjects()
+{
+    return serverCounter("vcomrtTestServerLiveObjects");
+}
+
+int factoriesCreated()
+{
+    return serverCounter("vcomrtTestServerFactoriesCreated");
+}
+
+bool writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QByteArray registration(const QString &progId, REFCLSID clsid, const QString &library)
+{
+    return QStringLiteral("ProgID=%1\nCLSID=%2\nLibrary=%3\n").arg(progId, guidText(clsid), library).toUtf8();
+}
+
+HRESULT clsidOf(const QString &progId, CLSID *clsid)
+{
+    const std::u16string text = progId.toStdU16String();
+    return CLSIDFromProgID(text.c_str(), clsid);
+}
+
+class OuterUnknown : public IUnknown {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void **ppvObject) override
+    {
+        *ppvObject = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ULONG(++refs); }
+    ULONG STDMETHODCALLTYPE Release() override { return ULONG(--refs); }
+    int refs = 1;
+};
+
+// Sets VCOMRT_REGISTRY for one test and puts the old value back afterwards.
+class RegistryOverride {
+public:
+    explicit RegistryOverride(const QByteArray &value)
+        : m_had(qEnvironmentVariableIsSet("VCOMRT_REGISTRY")), m_old(qgetenv("VCOMRT_REGISTRY"))
+    {
+        qputenv("VCOMRT_REGISTRY", value);
+    }
+    ~RegistryOverride()
+    {
+        if (m_had)
+            qputenv("VCOMRT_REGISTRY", m_old);
+        else
+            qunsetenv("VCOMRT_REGISTRY");
+    }
+
+private:
+    bool m_had;
+    QByteArray m_old;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(GUID)
+
+class tst_Activation : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void concurrentActivation();
+    void clsidFromProgId_data();
+    void clsidFromProgId();
+    void createInstance_data();
+    void createInstance();
+    void objectAnswersThroughDispatch();
+    void classObject();
+    void libraryLoadedOnceAndKept();
+    void threadWithoutApartmentCannotCreate();
+    void invalidArguments();
+    void registrationFormat_data();
+    void registrationFormat();
+    void searchOrder();
+    void testDoublesStayOutOfDefaultFolder();
+
+private:
+    QTemporaryDir m_extraRegistry;
+    QByteArray m_buildRegistry;
+};
+
+void tst_Activation::initTestCase()
+{
+    m_buildRegistry = qgetenv("VCOMRT_REGISTRY");
+    QVERIFY2(!m_buildRegistry.isEmpty(), "run through ctest, which names the test registry");
+    QVERIFY(QFileInfo::exists(QStringLiteral(VCOMRT_TEST_SERVER_PATH)));
+    QVERIFY(m_extraRegistry.isValid());
+
+    const QString dir = m_extraRegistry.path();
+    const QString server = QStringLiteral(VCOMRT_TEST_SERVER_PATH);
+    QVERIFY(writeFile(dir + "/missing.reg",
+                      registration("VComRt.Missing", CLSID_Missing, dir + "/no/such/libserver.so")));
+    QVERIFY(writeFile(dir + "/noexport.reg",
+                      registration("VComRt.NoExport", CLSID_NoExport, QStringLiteral(VCOMRT_NOEXPORT_PATH))));
+    QVERIFY(writeFile(dir + "/garbage.so", QByteArray("this is not a shared library\n")));
+    QVERIFY(writeFile(dir + "/notalibrary.reg", registration("VComRt.NotALibrary", CLSID_NotALibrary, "garbage.so")));
+    QVERIFY(writeFile(dir + "/unserved.reg", registration("VComRt.Unserved", CLSID_VComRtUnservedObject, server)));
+    QVERIFY(writeFile(dir + "/throwing.reg", registration("VComRt.Throwing", CLSID_VComRtThrowingObject, server)));
+    // A double of the word processor under its real ProgID, as engine tests register one.
+    QVERIFY(writeFile(dir + "/VZyl.Application.reg", registration("VZyl.Application", CLSID_VComRtTestObject, server)));
+    qputenv("VCOMRT_REGISTRY", dir.toLocal8Bit() + ':' + m_buildRegistry);
+}
+
+void tst_Activation::init()
+{
+    QCOMPARE(CoInitialize(nullptr), S_OK);
+}
+
+void tst_Activation::cleanup()
+{
+    CoUninitialize();
+    QTRY_COMPARE(qMax(0, liveServerObjects()), 0);
+}
+
+void tst_Activation::concurrentActivation()
+{
+    // First in the run, so that the threads also race for the first load of the server.
+    QCOMPARE(liveServerObjects(), -1);
+    constexpr int Threads = 6;
+    constexpr int PerThread = 25;
+    std::atomic<int> created{0};
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < Threads; ++t) {
+        threads.emplace_back([&] {
+            if (CoInitialize(nullptr) != S_OK) {
+                ++failures;
+                return;
+            }
+            for (int i = 0; i < PerThread; ++i) {
+                IDispatch *object = nullptr;
+                const HRESULT hr = CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch,
+                                                    reinterpret_cast<void **>(&object));
+                if (FAILED(hr) || !object) {
+                    ++failures;
+                    continue;
+                }
+                ++created;
+                object->Release();
+            }
+            CoUninitialize();
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(failures.load(), 0);
+    QCOMPARE(created.load(), Threads * PerThread);
+    QCOMPARE(liveServerObjects(), 0);
+    QCOMPARE(factoriesCreated(), Threads * PerThread);
+}
+
+void tst_Activation::clsidFromProgId_data()
+{
+    QTest::addColumn<QString>("progId");
+    QTest::addColumn<HRESULT>("expected");
+    QTest::addColumn<GUID>("clsid");
+
+    QTest::newRow("registered_by_the_build") << "VComRt.TestServer" << S_OK << CLSID_VComRtTestObject;
+    QTest::newRow("any_ascii_case") << "vcomrt.TESTSERVER" << S_OK << CLSID_VComRtTestObject;
+    QTest::newRow("double_under_product_progid") << "VZyl.Application" << S_OK << CLSID_VComRtTestObject;
+    QTest::newRow("registered_at_run_time") << "VComRt.NoExport" << S_OK << CLSID_NoExport;
+    QTest::newRow("unknown") << "VComRt.Nobody" << CO_E_CLASSSTRING << CLSID_NULL;
+    QTest::newRow("prefix_of_registered") << "VComRt.Test" << CO_E_CLASSSTRING << CLSID_NULL;
+    QTest::newRow("trailing_blank") << "VComRt.TestServer " << CO_E_CLASSSTRING << CLSID_NULL;
+    QTest::newRow("empty") << "" << CO_E_CLASSSTRING << CLSID_NULL;
+}
+
+void tst_Activation::clsidFromProgId()
+{
+    QFETCH(QString, progId);
+    QFETCH(HRESULT, expected);
+    QFETCH(GUID, clsid);
+
+    // Works without an apartment, on a thread that never entered one.
+    HRESULT hr = E_UNEXPECTED;
+    CLSID found = CLSID_Unregistered;
+    std::thread([&] { hr = clsidOf(progId, &found); }).join();
+    QCOMPARE(hr, expected);
+    QCOMPARE(guidText(found), guidText(clsid));
+}
+
+void tst_Activation::createInstance_data()
+{
+    QTest::addColumn<GUID>("clsid");
+    QTest::addColumn<bool>("aggregate");
+    QTest::addColumn<uint>("context");
+    QTest::addColumn<GUID>("iid");
+    QTest::addColumn<HRESULT>("expected");
+
+    const uint inproc = CLSCTX_INPROC_SERVER;
+    QTest::newRow("dispatch_with_client_context") << CLSID_VComRtTestObject << false << 0x17u << IID_IDispatch << S_OK;
+    QTest::newRow("unknown_inproc_only") << CLSID_VComRtTestObject << false << inproc << IID_IUnknown << S_OK;
+    QTest::newRow("wrong_interface") << CLSID_VComRtTestObject << false << 0x17u << IID_IClassFactory << E_NOINTERFACE;
+    QTest::newRow("aggregation_refused") << CLSID_VComRtTestObject << true << 0x17u << IID_IUnknown << CLASS_E_NOAGGREGATION;
+    QTest::newRow("local_server_only") << CLSID_VComRtTestObject << false << uint(CLSCTX_LOCAL_SERVER) << IID_IDispatch << REGDB_E_CLASSNOTREG;
+    QTest::newRow("no_context") << CLSID_VComRtTestObject << false << 0u << IID_IDispatch << REGDB_E_CLASSNOTREG;
+    QTest::newRow("unregistered_class") << CLSID_Unregistered << false << 0x17u << IID_IDispatch << REGDB_E_CLASSNOTREG;
+    QTest::newRow("null_class") << CLSID_NULL << false << 0x17u << IID_IDispatch << REGDB_E_CLASSNOTREG;
+    QTest::newRow("library_missing") << CLSID_Missing << false << 0x17u << IID_IDispatch << CO_E_DLLNOTFOUND;
+    QTest::newRow("file_not_a_library") << CLSID_NotALibrary << false << 0x17u << IID_IDispatch << CO_E_DLLNOTFOUND;
+    QTest::newRow("library_without_entry_point") << CLSID_NoExport << false << 0x17u << IID_IDispatch << CO_E_ERRORINDLL;
+    QTest::newRow("server_does_not_serve_class") << CLSID_VComRtUnservedObject << false << 0x17u << IID_IDispatch << CLASS_E_CLASSNOTAVAILABLE;
+    QTest::newRow("server_throws") << CLSID_VComRtThrowingObject << false << 0x17u << IID_IDispatch << RPC_E_SERVERFAULT;
+}
+
+void tst_Activation::createInstance()
+{
+    QFETCH(GUID, clsid);
+    QFETCH(bool, aggregate);
+    QFETCH(uint, context);
+    QFETCH(GUID, iid);
+    QFETCH(HRESULT, expected);
+
+    OuterUnknown outer;
+    void *object = reinterpret_cast<void *>(0x1);
+    const HRESULT hr = CoCreateInstance(clsid, aggregate ? &outer : nullptr, context, iid, &object);
+    QCOMPARE(hr, expected);
+    QCOMPARE(outer.refs, 1);
+    if (FAILED(hr)) {
+        QVERIFY(!object);
+        // Whatever the runtime took from the server on the way, it gave back.
+        QCOMPARE(qMax(0, liveServerObjects()), 0);
+        return;
+    }
+    QVERIFY(object);
+    // Only the object itself is left: the class factory is gone.
+    QCOMPARE(liveServerObjects(), 1);
+    auto *unknown = static_cast<IUnknown *>(object);
+    IUnknown *again = nullptr;
+    QCOMPARE(unknown->QueryInterface(IID_IUnknown, reinterpret_cast<void **>(&again)), S_OK);
+    again->Release();
+    QCOMPARE(unknown->Release(), ULONG(0));
+    QCOMPARE(liveServerObjects(), 0);
+}
+
+void tst_Activation::objectAnswersThroughDispatch()
+{
+    CLSID clsid;
+    QCOMPARE(CLSIDFromProgID(u"VZyl.Application", &clsid), S_OK);
+    ComPtr<IDispatch> app;
+    QCOMPARE(CoCreateInstance(clsid, nullptr, 0x17, IID_IDispatch, reinterpret_cast<void **>(app.receive())), S_OK);
+    QVERIFY(app);
+
+    OLECHAR name[] = u"Answer";
+    LPOLESTR names[] = {name};
+    DISPID id = DISPID_UNKNOWN;
+    QCOMPARE(app->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+    DISPPARAMS none = {nullptr, nullptr, 0, 0};
+    VARIANT result;
+    VariantInit(&result);
+    QCOMPARE(app->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr), S_OK);
+    QCOMPARE(result.vt, VARTYPE(VT_I4));
+    QCOMPARE(result.lVal, LONG(42));
+    VariantClear(&result);
+}
+
+void tst_Activation::classObject()
+{
+    ComPtr<IClassFactory> factory;
+    QCOMPARE(CoGetClassObject(CLSID_VComRtTestObject, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                              reinterpret_cast<void **>(factory.receive())),
+             S_OK);
+    QVERIFY(factory);
+    ComPtr<IDispatch> object;
+    QCOMPARE(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void **>(object.receive())), S_OK);
+    QCOMPARE(liveServerObjects(), 2);
+    factory.reset();
+    object.reset();
+    QCOMPARE(liveServerObjects(), 0);
+
+    void *wrong = reinterpret_cast<void *>(0x1);
+    QCOMPARE(CoGetClassObject(CLSID_VComRtTestObject, CLSCTX_INPROC_SERVER, nullptr, IID_IDispatch, &wrong),
+             E_NOINTERFACE);
+    QVERIFY(!wrong);
+    QCOMPARE(liveServerObjects(), 0);
+}
+
+void tst_Activation::libraryLoadedOnceAndKept()
+{
+    const int before = factoriesCreated();
+    for (int i = 0; i < 2; ++i) {
+        ComPtr<IDispatch> object;
+        QCOMPARE(CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch,
+                                  reinterpret_cast<void **>(object.receive())),
+                 S_OK);
+    }
+    // Counters survive between activations only if the same copy of the library stays loaded.
+    QCOMPARE(factoriesCreated(), before + 2);
+    QCOMPARE(liveServerObjects(), 0);
+}
+
+void tst_Activation::threadWithoutApartmentCannotCreate()
+{
+    const int before = factoriesCreated();
+    HRESULT hr = E_UNEXPECTED;
+    void *object = reinterpret_cast<void *>(0x1);
+    std::thread([&] {
+        hr = CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch, &object);
+    }).join();
+    QCOMPARE(hr, CO_E_NOTINITIALIZED);
+    QVERIFY(!object);
+    QCOMPARE(factoriesCreated(), before);
+}
+
+void tst_Activation::invalidArguments()
+{
+    QCOMPARE(CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch, nullptr), E_POINTER);
+    QCOMPARE(CoGetClassObject(CLSID_VComRtTestObject, 0x17, nullptr, IID_IClassFactory, nullptr), E_INVALIDARG);
+    CLSID clsid;
+    QCOMPARE(CLSIDFromProgID(nullptr, &clsid), E_INVALIDARG);
+    QCOMPARE(CLSIDFromProgID(u"VComRt.TestServer", nullptr), E_INVALIDARG);
+    // A registered ProgID is also a valid class string.
+    QCOMPARE(CLSIDFromString(u"VComRt.TestServer", &clsid), S_OK);
+    QVERIFY(clsid == CLSID_VComRtTestObject);
+}
+
+void tst_Activation::registrationFormat_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("registered");
+
+    const QByteArray clsid = guidText(CLSID_VComRtTestObject).toLatin1();
+    QTest::newRow("plain") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=%LIB%\n" << true;
+    QTest::newRow("comments_blanks_and_spaces")
+        << "a.reg" << "# server\n\n   ProgID =  VComRt.Format \n\t CLSID\t= " + clsid + "\n# path\nLibrary = %LIB%   \n"
+        << true;
+    QTest::newRow("keys_in_any_case") << "a.reg" << "progid=VComRt.Format\nClsId=" + clsid + "\nLIBRARY=%LIB%\n" << true;
+    QTest::newRow("crlf_line_ends") << "a.reg" << "ProgID=VComRt.Format\r\nCLSID=" + clsid + "\r\nLibrary=%LIB%\r\n" << true;
+    QTest::newRow("no_final_newline") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=%LIB%" << true;
+    QTest::newRow("relative_library_path") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=%REL%\n" << true;
+    QTest::newRow("lower_case_clsid") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid.toLower() + "\nLibrary=%LIB%\n" << true;
+    QTest::newRow("unknown_key_ignored")
+        << "a.reg" << "ProgID=VComRt.Format\nThreadingModel=Apartment\nCLSID=" + clsid + "\nLibrary=%LIB%\n" << true;
+    QTest::newRow("other_extension_ignored") << "a.txt" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=%LIB%\n" << false;
+    QTest::newRow("hidden_file_ignored") << ".a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=%LIB%\n" << false;
+    QTest::newRow("library_missing") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\n" << false;
+    QTest::newRow("clsid_missing") << "a.reg" << QByteArray("ProgID=VComRt.Format\nLibrary=%LIB%\n") << false;
+    QTest::newRow("clsid_without_braces")
+        << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid.mid(1, 36) + "\nLibrary=%LIB%\n" << false;
+    QTest::newRow("line_without_equals") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary %LIB%\n" << false;
+    QTest::newRow("key_given_twice")
+        << "a.reg" << "ProgID=VComRt.Format\nProgID=VComRt.Other\nCLSID=" + clsid + "\nLibrary=%LIB%\n" << false;
+    QTest::newRow("empty_value") << "a.reg" << "ProgID=VComRt.Format\nCLSID=" + clsid + "\nLibrary=\n" << false;
+    QTest::newRow("empty_file") << "a.reg" << QByteArray() << false;
+}
+
+void tst_Activation::registrationFormat()
+{
+    QFETCH(QString, fileName);
+    QFETCH(QByteArray, content);
+    QFETCH(bool, registered);
+
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString folder = dir.filePath(QStringLiteral("servers"));
+    QVERIFY(QDir().mkpath(folder));
+    const QString server = QStringLiteral(VCOMRT_TEST_SERVER_PATH);
+    content.replace("%LIB%", server.toLocal8Bit());
+    content.replace("%REL%", QDir(folder).relativeFilePath(server).toLocal8Bit());
+    QVERIFY(writeFile(folder + '/' + fileName, content));
+    RegistryOverride onlyThisFolder(folder.toLocal8Bit());
+
+    CLSID clsid;
+    const HRESULT hr = clsidOf(QStringLiteral("VComRt.Format"), &clsid);
+    QCOMPARE(hr, registered ? S_OK : CO_E_CLASSSTRING);
+    if (!registered)
+        return;
+    QVERIFY(clsid == CLSID_VComRtTestObject);
+    ComPtr<IDispatch> object;
+    QCOMPARE(CoCreateInstance(clsid, nullptr, 0x17, IID_IDispatch, reinterpret_cast<void **>(object.receive())), S_OK);
+}
+
+void tst_Activation::searchOrder()
+{
+    QTemporaryDir first;
+    QTemporaryDir second;
+    QVERIFY(first.isValid() && second.isValid());
+    const QString server = QStringLiteral(VCOMRT_TEST_SERVER_PATH);
+    QVERIFY(writeFile(first.filePath("shadow.reg"), registration("VComRt.Shadowed", CLSID_Missing, server)));
+    QVERIFY(writeFile(second.filePath("shadow.reg"), registration("VComRt.Shadowed", CLSID_NoExport, server)));
+    // Within one folder the file names decide.
+    QVERIFY(writeFile(first.filePath("b.reg"), registration("VComRt.Twice", CLSID_NoExport, server)));
+    QVERIFY(writeFile(first.filePath("a.reg"), registration("VComRt.Twice", CLSID_NotALibrary, server)));
+
+    CLSID clsid;
+    {
+        RegistryOverride order(first.path().toLocal8Bit() + ':' + second.path().toLocal8Bit());
+        QCOMPARE(clsidOf("VComRt.Shadowed", &clsid), S_OK);
+        QCOMPARE(guidText(clsid), guidText(CLSID_Missing));
+        QCOMPARE(clsidOf("VComRt.Twice", &clsid), S_OK);
+        QCOMPARE(guidText(clsid), guidText(CLSID_NotALibrary));
+    }
+    {
+        RegistryOverride order("::" + second.path().toLocal8Bit() + "::" + first.path().toLocal8Bit() + ':');
+        QCOMPARE(clsidOf("VComRt.Shadowed", &clsid), S_OK);
+        QCOMPARE(guidText(clsid), guidText(CLSID_NoExport));
+    }
+    {
+        RegistryOverride missingFolder(first.filePath("nothing-here").toLocal8Bit() + ':' + second.path().toLocal8Bit());
+        QCOMPARE(clsidOf("VComRt.Shadowed", &clsid), S_OK);
+        QCOMPARE(guidText(clsid), guidText(CLSID_NoExport));
+    }
+    // Registrations are read afresh: a removed file no longer counts.
+    QVERIFY(QFile::remove(second.filePath("shadow.reg")));
+    RegistryOverride onlySecond(second.path().toLocal8Bit());
+    QCOMPARE(clsidOf("VComRt.Shadowed", &clsid), CO_E_CLASSSTRING);
+}
+
+void tst_Activation::testDoublesStayOutOfDefaultFolder()
+{
+    RegistryOverride none(QByteArray(""));
+    CLSID clsid;
+    QCOMPARE(clsidOf("VComRt.TestServer", &clsid), CO_E_CLASSSTRING);
+    void *object = reinterpret_cast<void *>(0x1);
+    QCOMPARE(CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch, &object), REGDB_E_CLASSNOTREG);
+    QVERIFY(!object);
+}
+
+QTEST_GUILESS_MAIN(tst_Activation)
+#include "tst_activation.moc"

@@ -1,0 +1,207 @@
+#include <QtTest>
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include <vcomrt/com.h>
+
+namespace {
+
+// {0D9C1B7A-6E5F-4A3B-8C2D-1E0F9A8B7C6D}: never registered, so creating it tells apart a thread
+// that may activate (REGDB_E_CLASSNOTREG) from one that may not (CO_E_NOTINITIALIZED).
+const CLSID UnregisteredClass = {0x0D9C1B7A, 0x6E5F, 0x4A3B, {0x8C, 0x2D, 0x1E, 0x0F, 0x9A, 0x8B, 0x7C, 0x6D}};
+
+HRESULT probe()
+{
+    void *object = reinterpret_cast<void *>(0x1);
+    const HRESULT hr = CoCreateInstance(UnregisteredClass, nullptr, CLSCTX_ALL, IID_IDispatch, &object);
+    return object ? E_UNEXPECTED : hr;
+}
+
+HRESULT onFreshThread(const std::function<HRESULT()> &work)
+{
+    HRESULT result = E_UNEXPECTED;
+    std::thread thread([&] { result = work(); });
+    thread.join();
+    return result;
+}
+
+// Runs steps on another thread, one at a time, when the test says so.
+class StepThread {
+public:
+    StepThread() : m_thread([this] { loop(); }) {}
+    ~StepThread()
+    {
+        run([] { return S_OK; }, true);
+        m_thread.join();
+    }
+    HRESULT run(std::function<HRESULT()> step, bool last = false)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_step = std::move(step);
+        m_last = last;
+        m_done = false;
+        m_wake.notify_all();
+        m_wake.wait(lock, [this] { return m_done; });
+        return m_result;
+    }
+
+private:
+    void loop()
+    {
+        for (;;) {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            m_wake.wait(lock, [this] { return bool(m_step); });
+            m_result = m_step();
+            m_step = nullptr;
+            m_done = true;
+            const bool last = m_last;
+            m_wake.notify_all();
+            if (last)
+                return;
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::function<HRESULT()> m_step;
+    HRESULT m_result = S_OK;
+    bool m_done = false;
+    bool m_last = false;
+    std::thread m_thread;
+};
+
+enum Op { Sta, Mta, StaWithReserved, Uninit, Probe };
+
+struct Step {
+    Op op;
+    HRESULT expected;
+};
+
+HRESULT perform(Op op)
+{
+    static int reserved = 0;
+    switch (op) {
+    case Sta:
+        return CoInitialize(nullptr);
+    case Mta:
+        return CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    case StaWithReserved:
+        return CoInitialize(&reserved);
+    case Uninit:
+        CoUninitialize();
+        return S_OK;
+    case Probe:
+        return probe();
+    }
+    return E_UNEXPECTED;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(QVector<Step>)
+
+class tst_Apartment : public QObject {
+    Q_OBJECT
+
+private slots:
+    void sequence_data();
+    void sequence();
+    void countsPerThread();
+    void multithreadedApartmentCoversOtherThreads();
+    void uninitialisedThreadCannotCreate();
+};
+
+void tst_Apartment::sequence_data()
+{
+    QTest::addColumn<QVector<Step>>("steps");
+
+    const HRESULT notInit = CO_E_NOTINITIALIZED;
+    const HRESULT ready = REGDB_E_CLASSNOTREG;
+
+    QTest::newRow("fresh_thread_cannot_create") << QVector<Step>{{Probe, notInit}};
+    QTest::newRow("first_sta_then_already") << QVector<Step>{{Sta, S_OK}, {Probe, ready}, {Sta, S_FALSE}};
+    QTest::newRow("balanced_pair_ends_apartment")
+        << QVector<Step>{{Sta, S_OK}, {Uninit, S_OK}, {Probe, notInit}, {Sta, S_OK}};
+    QTest::newRow("nested_needs_as_many_uninits")
+        << QVector<Step>{{Sta, S_OK}, {Sta, S_FALSE}, {Sta, S_FALSE}, {Uninit, S_OK}, {Uninit, S_OK},
+                         {Probe, ready}, {Uninit, S_OK}, {Probe, notInit}};
+    QTest::newRow("extra_uninit_is_harmless")
+        << QVector<Step>{{Uninit, S_OK}, {Sta, S_OK}, {Uninit, S_OK}, {Uninit, S_OK}, {Sta, S_OK}, {Probe, ready}};
+    QTest::newRow("changing_model_refused")
+        << QVector<Step>{{Sta, S_OK}, {Mta, RPC_E_CHANGED_MODE}, {Uninit, S_OK}, {Probe, notInit}};
+    QTest::newRow("mta_then_sta_refused")
+        << QVector<Step>{{Mta, S_OK}, {Sta, RPC_E_CHANGED_MODE}, {Mta, S_FALSE}, {Uninit, S_OK}, {Uninit, S_OK},
+                         {Probe, notInit}};
+    QTest::newRow("reserved_argument_refused")
+        << QVector<Step>{{StaWithReserved, E_INVALIDARG}, {Probe, notInit}, {Sta, S_OK}};
+}
+
+void tst_Apartment::sequence()
+{
+    QFETCH(QVector<Step>, steps);
+
+    QVector<HRESULT> results;
+    onFreshThread([&] {
+        for (const Step &step : steps)
+            results.append(perform(step.op));
+        // Leave nothing behind for later rows: a thread's end does not end its MTA membership.
+        for (int i = 0; i < 8; ++i)
+            CoUninitialize();
+        return S_OK;
+    });
+
+    QCOMPARE(results.size(), steps.size());
+    for (int i = 0; i < steps.size(); ++i) {
+        if (results.at(i) != steps.at(i).expected)
+            QFAIL(qPrintable(QStringLiteral("step %1: got 0x%2, expected 0x%3")
+                                 .arg(i)
+                                 .arg(quint32(results.at(i)), 8, 16, QLatin1Char('0'))
+                                 .arg(quint32(steps.at(i).expected), 8, 16, QLatin1Char('0'))));
+    }
+}
+
+void tst_Apartment::countsPerThread()
+{
+    StepThread first;
+    StepThread second;
+    QCOMPARE(first.run([] { return CoInitialize(nullptr); }), S_OK);
+    QCOMPARE(second.run(probe), CO_E_NOTINITIALIZED);
+    // The other thread's apartment does not make this one's first call a repeat.
+    QCOMPARE(second.run([] { return CoInitialize(nullptr); }), S_OK);
+    QCOMPARE(first.run([] { return CoInitialize(nullptr); }), S_FALSE);
+
+    first.run([] { CoUninitialize(); CoUninitialize(); return S_OK; });
+    QCOMPARE(first.run(probe), CO_E_NOTINITIALIZED);
+    QCOMPARE(second.run(probe), REGDB_E_CLASSNOTREG);
+    second.run([] { CoUninitialize(); return S_OK; });
+}
+
+void tst_Apartment::multithreadedApartmentCoversOtherThreads()
+{
+    StepThread member;
+    StepThread bystander;
+    QCOMPARE(bystander.run(probe), CO_E_NOTINITIALIZED);
+    QCOMPARE(member.run([] { return CoInitializeEx(nullptr, COINIT_MULTITHREADED); }), S_OK);
+    QCOMPARE(bystander.run(probe), REGDB_E_CLASSNOTREG);
+    // The bystander is not itself initialised: its own first call still counts as the first.
+    QCOMPARE(bystander.run([] { return CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }), S_OK);
+    bystander.run([] { CoUninitialize(); return S_OK; });
+
+    member.run([] { CoUninitialize(); return S_OK; });
+    QCOMPARE(bystander.run(probe), CO_E_NOTINITIALIZED);
+}
+
+void tst_Apartment::uninitialisedThreadCannotCreate()
+{
+    QCOMPARE(CoInitialize(nullptr), S_OK);
+    auto guard = qScopeGuard([] { CoUninitialize(); });
+    QCOMPARE(probe(), REGDB_E_CLASSNOTREG);
+    // A single-threaded apartment belongs to its thread alone.
+    QCOMPARE(onFreshThread(probe), CO_E_NOTINITIALIZED);
+}
+
+QTEST_GUILESS_MAIN(tst_Apartment)
+#include "tst_apartment.moc"

@@ -1,0 +1,425 @@
+#include <QtTest>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include <vcomrt/com.h>
+#include <vcomrt/comptr.h>
+#include <vcomrt/scopedvariant.h>
+
+namespace {
+
+// Lives on the stack; only counts, so the tests see every AddRef and Release.
+class CountingDispatch : public IDispatch {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override
+    {
+        if (riid == IID_IUnknown || riid == IID_IDispatch) {
+            *ppvObject = this;
+            AddRef();
+            return S_OK;
+        }
+        *ppvObject = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ULONG(++refs); }
+    ULONG STDMETHODCALLTYPE Release() override { return ULONG(--refs); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT *) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo **) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS *, VARIANT *, EXCEPINFO *,
+                                     UINT *) override
+    {
+        return E_NOTIMPL;
+    }
+
+    int refs = 1;
+};
+
+enum class Kind { Empty, Null, I4, R8, Bool, Bstr, NullBstr, Dispatch, NullDispatch, Unknown, ByRefI4, Raw };
+
+// Fills v with one value of the given kind; Raw stores rawType with no payload.
+void fill(VARIANT *v, Kind kind, CountingDispatch *object, LONG *referenced, VARTYPE rawType = 0)
+{
+    VariantInit(v);
+    switch (kind) {
+    case Kind::Empty:
+        break;
+    case Kind::Null:
+        v->vt = VT_NULL;
+        break;
+    case Kind::I4:
+        v->vt = VT_I4;
+        v->lVal = -7;
+        break;
+    case Kind::R8:
+        v->vt = VT_R8;
+        v->dblVal = 2.5;
+        break;
+    case Kind::Bool:
+        v->vt = VT_BOOL;
+        v->boolVal = VARIANT_TRUE;
+        break;
+    case Kind::Bstr:
+        v->vt = VT_BSTR;
+        v->bstrVal = SysAllocStringLen(u"C:/a\0b.docx", 11);
+        break;
+    case Kind::NullBstr:
+        v->vt = VT_BSTR;
+        v->bstrVal = nullptr;
+        break;
+    case Kind::Dispatch:
+        v->vt = VT_DISPATCH;
+        v->pdispVal = object;
+        object->AddRef();
+        break;
+    case Kind::NullDispatch:
+        v->vt = VT_DISPATCH;
+        v->pdispVal = nullptr;
+        break;
+    case Kind::Unknown:
+        v->vt = VT_UNKNOWN;
+        v->punkVal = object;
+        object->AddRef();
+        break;
+    case Kind::ByRefI4:
+        v->vt = VT_BYREF | VT_I4;
+        v->byref = referenced;
+        break;
+    case Kind::Raw:
+        v->vt = rawType;
+        v->llVal = 0;
+        break;
+    }
+}
+
+size_t virtualMemorySize()
+{
+    QFile status(QStringLiteral("/proc/self/statm"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> fields = status.readAll().split(' ');
+    return fields.isEmpty() ? 0 : size_t(fields.first().toULongLong()) * size_t(sysconf(_SC_PAGESIZE));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Kind)
+
+class tst_Variant : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initLeavesEmpty();
+    void clear_data();
+    void clear();
+    void copy_data();
+    void copy();
+    void copyReleasesWhatDestinationHeld();
+    void copyOfBadTypeLeavesDestinationAlone_data();
+    void copyOfBadTypeLeavesDestinationAlone();
+    void copyOntoItself();
+    void copyOutOfMemory();
+    void nullArguments();
+    void scopedVariantOwnsItsObject();
+    void comPtrCountsReferences();
+};
+
+void tst_Variant::initLeavesEmpty()
+{
+    VARIANT v;
+    std::memset(&v, 0xAB, sizeof(v));
+    VariantInit(&v);
+    QCOMPARE(v.vt, VARTYPE(VT_EMPTY));
+    QCOMPARE(v.wReserved1, WORD(0));
+    QCOMPARE(VariantClear(&v), S_OK);
+}
+
+void tst_Variant::clear_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<VARTYPE>("rawType");
+    QTest::addColumn<HRESULT>("expected");
+    QTest::addColumn<int>("refsAfter");
+
+    QTest::newRow("empty") << Kind::Empty << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("null") << Kind::Null << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("i4") << Kind::I4 << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("bstr") << Kind::Bstr << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("null_bstr") << Kind::NullBstr << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("dispatch_released") << Kind::Dispatch << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("unknown_released") << Kind::Unknown << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("null_dispatch") << Kind::NullDispatch << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("byref_not_followed") << Kind::ByRefI4 << VARTYPE(0) << S_OK << 1;
+    QTest::newRow("variant_without_byref") << Kind::Raw << VARTYPE(VT_VARIANT) << DISP_E_BADVARTYPE << 1;
+    QTest::newRow("empty_byref") << Kind::Raw << VARTYPE(VT_EMPTY | VT_BYREF) << DISP_E_BADVARTYPE << 1;
+    QTest::newRow("unassigned_type_15") << Kind::Raw << VARTYPE(15) << DISP_E_BADVARTYPE << 1;
+    QTest::newRow("array_unsupported") << Kind::Raw << VARTYPE(VT_ARRAY | VT_I4) << DISP_E_BADVARTYPE << 1;
+    QTest::newRow("reserved_bit") << Kind::Raw << VARTYPE(VT_RESERVED | VT_I4) << DISP_E_BADVARTYPE << 1;
+}
+
+void tst_Variant::clear()
+{
+    QFETCH(Kind, kind);
+    QFETCH(VARTYPE, rawType);
+    QFETCH(HRESULT, expected);
+    QFETCH(int, refsAfter);
+
+    CountingDispatch object;
+    LONG referenced = 99;
+    VARIANT v;
+    fill(&v, kind, &object, &referenced, rawType);
+    const VARTYPE before = v.vt;
+
+    QCOMPARE(VariantClear(&v), expected);
+    QCOMPARE(object.refs, refsAfter);
+    QCOMPARE(referenced, LONG(99));
+    QCOMPARE(v.vt, SUCCEEDED(expected) ? VARTYPE(VT_EMPTY) : before);
+}
+
+void tst_Variant::copy_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<int>("refsWhileCopied");
+
+    QTest::newRow("empty") << Kind::Empty << 1;
+    QTest::newRow("null") << Kind::Null << 1;
+    QTest::newRow("i4") << Kind::I4 << 1;
+    QTest::newRow("r8") << Kind::R8 << 1;
+    QTest::newRow("bool") << Kind::Bool << 1;
+    QTest::newRow("bstr_with_embedded_zero") << Kind::Bstr << 1;
+    QTest::newRow("null_bstr") << Kind::NullBstr << 1;
+    QTest::newRow("dispatch") << Kind::Dispatch << 3;
+    QTest::newRow("unknown") << Kind::Unknown << 3;
+    QTest::newRow("null_dispatch") << Kind::NullDispatch << 1;
+    QTest::newRow("byref_shares_pointer") << Kind::ByRefI4 << 1;
+}
+
+void tst_Variant::copy()
+{
+    QFETCH(Kind, kind);
+    QFETCH(int, refsWhileCopied);
+
+    CountingDispatch object;
+    LONG referenced = 5;
+    VARIANT source;
+    fill(&source, kind, &object, &referenced);
+    VARIANT dest;
+    VariantInit(&dest);
+
+    QCOMPARE(VariantCopy(&dest, &source), S_OK);
+    QCOMPARE(dest.vt, source.vt);
+    QCOMPARE(object.refs, refsWhileCopied);
+
+    switch (kind) {
+    case Kind::I4:
+        QCOMPARE(dest.lVal, source.lVal);
+        break;
+    case Kind::R8:
+        QCOMPARE(dest.dblVal, source.dblVal);
+        break;
+    case Kind::Bool:
+        QCOMPARE(dest.boolVal, source.boolVal);
+        break;
+    case Kind::Bstr:
+        QVERIFY(dest.bstrVal != source.bstrVal);
+        QCOMPARE(SysStringByteLen(dest.bstrVal), SysStringByteLen(source.bstrVal));
+        QVERIFY(std::memcmp(dest.bstrVal, source.bstrVal, SysStringByteLen(source.bstrVal)) == 0);
+        QCOMPARE(dest.bstrVal[SysStringLen(dest.bstrVal)], OLECHAR(0));
+        break;
+    case Kind::NullBstr:
+    case Kind::NullDispatch:
+        QVERIFY(!dest.punkVal);
+        break;
+    case Kind::Dispatch:
+    case Kind::Unknown:
+        QVERIFY(dest.punkVal == source.punkVal);
+        break;
+    case Kind::ByRefI4:
+        QVERIFY(dest.byref == &referenced);
+        break;
+    default:
+        break;
+    }
+
+    // Each copy owns what it holds: freeing one leaves the other intact.
+    QCOMPARE(VariantClear(&source), S_OK);
+    if (kind == Kind::Bstr)
+        QCOMPARE(QString::fromUtf16(dest.bstrVal, int(SysStringLen(dest.bstrVal))),
+                 QString::fromUtf16(u"C:/a\0b.docx", 11));
+    QCOMPARE(VariantClear(&dest), S_OK);
+    QCOMPARE(object.refs, 1);
+    QCOMPARE(referenced, LONG(5));
+}
+
+void tst_Variant::copyReleasesWhatDestinationHeld()
+{
+    CountingDispatch held;
+    CountingDispatch incoming;
+    VARIANT dest;
+    fill(&dest, Kind::Dispatch, &held, nullptr);
+    VARIANT source;
+    fill(&source, Kind::Unknown, &incoming, nullptr);
+    QCOMPARE(held.refs, 2);
+
+    QCOMPARE(VariantCopy(&dest, &source), S_OK);
+    QCOMPARE(held.refs, 1);
+    QCOMPARE(incoming.refs, 3);
+    QCOMPARE(dest.vt, VARTYPE(VT_UNKNOWN));
+
+    VariantClear(&dest);
+    VariantClear(&source);
+    QCOMPARE(incoming.refs, 1);
+}
+
+void tst_Variant::copyOfBadTypeLeavesDestinationAlone_data()
+{
+    QTest::addColumn<VARTYPE>("badType");
+
+    QTest::newRow("variant_without_byref") << VARTYPE(VT_VARIANT);
+    QTest::newRow("null_byref") << VARTYPE(VT_NULL | VT_BYREF);
+    QTest::newRow("vector") << VARTYPE(VT_VECTOR | VT_I4);
+    QTest::newRow("past_known_types") << VARTYPE(0x0FFF);
+}
+
+void tst_Variant::copyOfBadTypeLeavesDestinationAlone()
+{
+    QFETCH(VARTYPE, badType);
+
+    CountingDispatch held;
+    VARIANT dest;
+    fill(&dest, Kind::Dispatch, &held, nullptr);
+    VARIANT source;
+    fill(&source, Kind::Raw, nullptr, nullptr, badType);
+
+    QCOMPARE(VariantCopy(&dest, &source), DISP_E_BADVARTYPE);
+    QCOMPARE(dest.vt, VARTYPE(VT_DISPATCH));
+    QVERIFY(dest.pdispVal == &held);
+    QCOMPARE(held.refs, 2);
+    VariantClear(&dest);
+    QCOMPARE(held.refs, 1);
+}
+
+void tst_Variant::copyOntoItself()
+{
+    CountingDispatch object;
+    VARIANT v;
+    fill(&v, Kind::Dispatch, &object, nullptr);
+    QCOMPARE(VariantCopy(&v, &v), S_OK);
+    QCOMPARE(object.refs, 2);
+    QVERIFY(v.pdispVal == &object);
+    VariantClear(&v);
+
+    fill(&v, Kind::Bstr, nullptr, nullptr);
+    const BSTR before = v.bstrVal;
+    QCOMPARE(VariantCopy(&v, &v), S_OK);
+    QVERIFY(v.bstrVal == before);
+    VariantClear(&v);
+}
+
+void tst_Variant::copyOutOfMemory()
+{
+    // A string bigger than the room left under a lowered address-space limit.
+    const UINT length = 32 * 1024 * 1024;
+    VARIANT source;
+    VariantInit(&source);
+    source.vt = VT_BSTR;
+    source.bstrVal = SysAllocStringLen(nullptr, length);
+    QVERIFY(source.bstrVal);
+    std::memset(source.bstrVal, 0x41, size_t(length) * sizeof(OLECHAR));
+
+    CountingDispatch held;
+    VARIANT dest;
+    fill(&dest, Kind::Dispatch, &held, nullptr);
+
+    rlimit original;
+    QVERIFY(getrlimit(RLIMIT_AS, &original) == 0);
+    const size_t used = virtualMemorySize();
+    if (used == 0)
+        QSKIP("cannot read this process's address-space size");
+    rlimit lowered = original;
+    lowered.rlim_cur = rlim_t(used + 8 * 1024 * 1024);
+    if (original.rlim_cur != RLIM_INFINITY && original.rlim_cur < lowered.rlim_cur)
+        QSKIP("address-space limit already below what the test needs");
+    QVERIFY(setrlimit(RLIMIT_AS, &lowered) == 0);
+    const HRESULT hr = VariantCopy(&dest, &source);
+    QVERIFY(setrlimit(RLIMIT_AS, &original) == 0);
+
+    QCOMPARE(hr, E_OUTOFMEMORY);
+    // The destination was cleared before the copy was attempted and holds nothing now.
+    QCOMPARE(dest.vt, VARTYPE(VT_EMPTY));
+    QCOMPARE(held.refs, 1);
+    QCOMPARE(SysStringLen(source.bstrVal), length);
+    VariantClear(&source);
+}
+
+void tst_Variant::nullArguments()
+{
+    VARIANT v;
+    VariantInit(nullptr);
+    VariantInit(&v);
+    QCOMPARE(VariantClear(nullptr), E_INVALIDARG);
+    QCOMPARE(VariantCopy(nullptr, &v), E_INVALIDARG);
+    QCOMPARE(VariantCopy(&v, nullptr), E_INVALIDARG);
+}
+
+void tst_Variant::scopedVariantOwnsItsObject()
+{
+    CountingDispatch object;
+    {
+        ScopedVariant outer;
+        {
+            ScopedVariant inner;
+            VARIANT *slot = inner.receive();
+            slot->vt = VT_DISPATCH;
+            slot->pdispVal = &object;
+            object.AddRef();
+            outer = std::move(inner);
+            QCOMPARE(inner.type(), VARTYPE(VT_EMPTY));
+        }
+        QCOMPARE(object.refs, 2);
+        QCOMPARE(outer.type(), VARTYPE(VT_DISPATCH));
+
+        VARIANT handedOver = outer.release();
+        QCOMPARE(outer.type(), VARTYPE(VT_EMPTY));
+        QCOMPARE(object.refs, 2);
+        VariantClear(&handedOver);
+    }
+    QCOMPARE(object.refs, 1);
+
+    ScopedVariant text(u"a\0b", 3);
+    QCOMPARE(text.type(), VARTYPE(VT_BSTR));
+    QCOMPARE(SysStringLen(text.get().bstrVal), UINT(3));
+}
+
+void tst_Variant::comPtrCountsReferences()
+{
+    CountingDispatch object;
+    {
+        ComPtr<IDispatch> shared = ComPtr<IDispatch>::share(&object);
+        QCOMPARE(object.refs, 2);
+        ComPtr<IDispatch> copy = shared;
+        QCOMPARE(object.refs, 3);
+        ComPtr<IDispatch> moved = std::move(copy);
+        QCOMPARE(object.refs, 3);
+        QVERIFY(!copy);
+        copy = moved;
+        QCOMPARE(object.refs, 4);
+        copy = copy; // self-assignment keeps the count
+        QCOMPARE(object.refs, 4);
+        IDispatch **slot = moved.receive(); // releases what it held before the callee fills it
+        QCOMPARE(object.refs, 3);
+        QVERIFY(!*slot);
+        QCOMPARE(object.QueryInterface(IID_IDispatch, reinterpret_cast<void **>(slot)), S_OK);
+        QCOMPARE(object.refs, 4);
+    }
+    QCOMPARE(object.refs, 1);
+}
+
+QTEST_GUILESS_MAIN(tst_Variant)
+#include "tst_variant.moc"
