@@ -1,0 +1,127 @@
+#include "zyldocuments.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/document/MacroExecMode.hpp>
+#include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/lang/XServiceInfo.hpp>
+#include <com/sun/star/text/XTextDocument.hpp>
+
+#include "zyldocument.h"
+#include "zylfilters.h"
+#include "zylinteractionhandler.h"
+#include "zyllog.h"
+#include "zyloffice.h"
+#include "zylsession.h"
+
+using namespace css;
+
+namespace {
+enum Member { Open };
+
+const std::vector<ZylDispatch::Member> &members()
+{
+    static const std::vector<ZylDispatch::Member> table = {
+        {"Open", DISPATCH_METHOD, 1, 16},
+    };
+    return table;
+}
+
+beans::PropertyValue property(const char *name, const uno::Any &value)
+{
+    beans::PropertyValue p;
+    p.Name = rtl::OUString::createFromAscii(name);
+    p.Value = value;
+    return p;
+}
+
+rtl::OUString toOUString(const QString &s)
+{
+    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
+}
+
+QString toQString(const rtl::OUString &s)
+{
+    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
+}
+} // namespace
+
+ZylDocuments::ZylDocuments(std::shared_ptr<ZylSession> session)
+    : ZylDispatch(members())
+    , m_session(std::move(session))
+{
+}
+
+ZylDocuments::~ZylDocuments() = default;
+
+HRESULT ZylDocuments::invokeMember(int id, const Args &args, VARIANT *result)
+{
+    if (id != Open)
+        return DISP_E_MEMBERNOTFOUND;
+    QString path;
+    HRESULT hr = toText(args[0], &path);
+    if (FAILED(hr))
+        return hr;
+    return open(path, result);
+}
+
+HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.isFile() || !info.isReadable()) {
+        qCInfo(lcZylServer) << "no such file:" << path;
+        return E_INVALIDARG;
+    }
+    const QString absolute = info.absoluteFilePath();
+    const QString url = QString::fromLatin1(QUrl::fromLocalFile(absolute).toEncoded());
+
+    return m_session->office().call("Open", [&]() -> HRESULT {
+        std::vector<beans::PropertyValue> props = {
+            property("Hidden", uno::Any(true)),
+            property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
+            property("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
+            property("InteractionHandler", uno::Any(uno::Reference<task::XInteractionHandler>(new ZylInteractionHandler))),
+            property("ReadOnly", uno::Any(false)),
+            property("Silent", uno::Any(true)),
+        };
+        const QString forced = ZylFilters::importFilterFor(absolute);
+        if (!forced.isEmpty())
+            props.push_back(property("FilterName", uno::Any(toOUString(forced))));
+        const uno::Sequence<beans::PropertyValue> descriptor(props.data(), sal_Int32(props.size()));
+
+        uno::Reference<lang::XComponent> component = m_session->office().desktop()->loadComponentFromURL(
+            toOUString(url), rtl::OUString::createFromAscii("_blank"), 0, descriptor);
+        if (!component.is()) {
+            qCInfo(lcZylServer) << "the office cannot open" << absolute;
+            return E_FAIL;
+        }
+        uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
+        uno::Reference<text::XTextDocument> textDocument(component, uno::UNO_QUERY);
+        QString filter;
+        if (model.is()) {
+            const uno::Sequence<beans::PropertyValue> loadArgs = model->getArgs();
+            for (const beans::PropertyValue &arg : loadArgs) {
+                rtl::OUString name;
+                if (arg.Name == "FilterName" && (arg.Value >>= name))
+                    filter = toQString(name);
+            }
+        }
+        uno::Reference<lang::XServiceInfo> serviceInfo(component, uno::UNO_QUERY);
+        const bool isText = textDocument.is() && serviceInfo.is()
+            && serviceInfo->supportsService(rtl::OUString::createFromAscii("com.sun.star.text.TextDocument"))
+            && !serviceInfo->supportsService(rtl::OUString::createFromAscii("com.sun.star.text.GlobalDocument"));
+        if (!model.is() || !isText || !ZylFilters::isDocumentFilter(filter)) {
+            qCInfo(lcZylServer) << absolute << "is not a word-processing document (filter" << filter << ")";
+            ZylSession::closeModel(model.is() ? model : uno::Reference<frame::XModel>());
+            if (!model.is())
+                component->dispose();
+            return E_FAIL;
+        }
+        m_session->add(model);
+        setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
+        return S_OK;
+    });
+}

@@ -1,0 +1,60 @@
+#include "zylfilters.h"
+
+#include <QFileInfo>
+
+QString ZylFilters::exportFilterForExtension(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("docx"))
+        return QStringLiteral("MS Word 2007 XML");
+    if (suffix == QLatin1String("doc"))
+        return QStringLiteral("MS Word 97");
+    if (suffix == QLatin1String("zyl") || suffix == QLatin1String("odt"))
+        return QStringLiteral("writer8");
+    if (suffix == QLatin1String("rtf"))
+        return QStringLiteral("Rich Text Format");
+    if (suffix == QLatin1String("pdf"))
+        return QStringLiteral("writer_pdf_Export");
+    return QString();
+}
+
+QString ZylFilters::exportFilter(bool hasFormat, int format, const QString &targetPath, const QString &loadFilter)
+{
+    if (!hasFormat) {
+        // Filters that only import cannot write the document back; fall back to the target's name.
+        if (loadFilter.isEmpty() || loadFilter.startsWith(QLatin1String("HTML")) || !isDocumentFilter(loadFilter))
+            return exportFilterForExtension(targetPath);
+        if (loadFilter == QLatin1String("writer_pdf_import") || loadFilter.startsWith(QLatin1String("OpenDocument Text Flat")))
+            return exportFilterForExtension(targetPath);
+        return loadFilter;
+    }
+    switch (format) {
+    case FormatByExtension:
+        return exportFilterForExtension(targetPath);
+    case FormatDocx:
+    case FormatDocumentDefault:
+        return QStringLiteral("MS Word 2007 XML");
+    case FormatRtf:
+        return QStringLiteral("Rich Text Format");
+    case FormatPdf:
+        return QStringLiteral("writer_pdf_Export");
+    default:
+        return QString();
+    }
+}
+
+QString ZylFilters::importFilterFor(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    // Detected by name, HTML would open as a web page without pages.
+    if (suffix == QLatin1String("html") || suffix == QLatin1String("htm"))
+        return QStringLiteral("HTML (StarWriter)");
+    return QString();
+}
+
+bool ZylFilters::isDocumentFilter(const QString &filterName)
+{
+    if (filterName.isEmpty())
+        return false;
+    return !filterName.startsWith(QLatin1String("Text"), Qt::CaseInsensitive);
+}

@@ -1,0 +1,3 @@
+#include "zyllog.h"
+
+Q_LOGGING_CATEGORY(lcZylServer, "vzyl.server", QtWarningMsg)

@@ -1,0 +1,393 @@
+#include "zyltextmodel.h"
+
+#include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XEnumeration.hpp>
+#include <com/sun/star/container/XEnumerationAccess.hpp>
+#include <com/sun/star/document/XDocumentInsertable.hpp>
+#include <com/sun/star/document/XUndoManager.hpp>
+#include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/frame/XController.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/lang/XComponent.hpp>
+#include <com/sun/star/lang/XServiceInfo.hpp>
+#include <com/sun/star/style/BreakType.hpp>
+#include <com/sun/star/table/XCell.hpp>
+#include <com/sun/star/text/ControlCharacter.hpp>
+#include <com/sun/star/text/XPageCursor.hpp>
+#include <com/sun/star/text/XTextRangeCompare.hpp>
+#include <com/sun/star/text/XTextTable.hpp>
+#include <com/sun/star/text/XTextViewCursorSupplier.hpp>
+
+#include "zyllog.h"
+
+using namespace css;
+
+namespace {
+
+rtl::OUString ou(const char *ascii)
+{
+    return rtl::OUString::createFromAscii(ascii);
+}
+
+// Groups everything done in its lifetime into one undo step.
+class UndoContext {
+public:
+    UndoContext(const uno::Reference<text::XTextDocument> &document, const char *title)
+    {
+        uno::Reference<document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
+        if (supplier.is())
+            m_manager = supplier->getUndoManager();
+        if (m_manager.is())
+            m_manager->enterUndoContext(ou(title));
+    }
+    ~UndoContext()
+    {
+        if (!m_manager.is())
+            return;
+        try {
+            m_manager->leaveUndoContext();
+        } catch (const uno::Exception &) {
+        }
+    }
+    UndoContext(const UndoContext &) = delete;
+    UndoContext &operator=(const UndoContext &) = delete;
+
+private:
+    uno::Reference<document::XUndoManager> m_manager;
+};
+
+rtl::OUString pageStyleOf(const uno::Reference<uno::XInterface> &object)
+{
+    uno::Reference<beans::XPropertySet> props(object, uno::UNO_QUERY);
+    rtl::OUString name;
+    if (props.is())
+        props->getPropertyValue(ou("PageStyleName")) >>= name;
+    return name;
+}
+
+} // namespace
+
+ZylTextModel::ZylTextModel(const uno::Reference<text::XTextDocument> &document)
+    : m_document(document)
+    , m_text(document.is() ? document->getText() : uno::Reference<text::XText>())
+{
+}
+
+int ZylTextModel::pageCount()
+{
+    uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
+    uno::Reference<beans::XPropertySet> controller(model->getCurrentController(), uno::UNO_QUERY_THROW);
+    sal_Int32 pages = 0;
+    controller->getPropertyValue(ou("PageCount")) >>= pages;
+    return pages;
+}
+
+ZylTextModel::Layout ZylTextModel::layout()
+{
+    Layout l;
+    uno::Reference<container::XEnumerationAccess> access(m_text, uno::UNO_QUERY_THROW);
+    uno::Reference<container::XEnumeration> items = access->createEnumeration();
+    int offset = 0;
+    while (items->hasMoreElements()) {
+        Element e;
+        items->nextElement() >>= e.content;
+        uno::Reference<lang::XServiceInfo> info(e.content, uno::UNO_QUERY);
+        e.isTable = info.is() && info->supportsService(ou("com.sun.star.text.TextTable"));
+        if (!e.isTable) {
+            uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY);
+            e.length = range.is() ? range->getString().getLength() : 0;
+        }
+        e.base = offset;
+        offset += e.length + 1;
+        l.elements.push_back(e);
+    }
+    // The last paragraph has no end mark of its own.
+    l.length = l.elements.empty() ? 0 : offset - 1;
+    if (!l.elements.empty() && l.elements.back().isTable)
+        l.length = offset;
+    return l;
+}
+
+int ZylTextModel::elementAt(const Layout &l, int point)
+{
+    // Binary search for the last element whose base is at or before the point.
+    int lo = 0;
+    int hi = int(l.elements.size()) - 1;
+    int found = -1;
+    while (lo <= hi) {
+        const int mid = (lo + hi) / 2;
+        if (l.elements[size_t(mid)].base <= point) {
+            found = mid;
+            lo = mid + 1;
+        } else {
+            hi = mid - 1;
+        }
+    }
+    if (found < 0)
+        return -1;
+    const Element &e = l.elements[size_t(found)];
+    if (e.isTable)
+        return point == e.base ? found : -1;
+    return point <= e.base + e.length ? found : -1;
+}
+
+int ZylTextModel::measure(const uno::Reference<text::XTextRange> &from, const uno::Reference<text::XTextRange> &to)
+{
+    uno::Reference<text::XTextCursor> c = m_text->createTextCursorByRange(from);
+    c->gotoRange(to, true);
+    return c->getString().getLength();
+}
+
+int ZylTextModel::offsetOf(const Layout &l, const uno::Reference<text::XTextRange> &point, int *element)
+{
+    uno::Reference<text::XTextRangeCompare> compare(m_text, uno::UNO_QUERY_THROW);
+    // Find the first paragraph whose end is not before the point.
+    int lo = 0;
+    int hi = int(l.elements.size()) - 1;
+    int found = -1;
+    while (lo <= hi) {
+        const int mid = (lo + hi) / 2;
+        int probe = mid;
+        while (probe <= hi && l.elements[size_t(probe)].isTable)
+            ++probe;
+        if (probe > hi) {
+            hi = mid - 1;
+            continue;
+        }
+        uno::Reference<text::XTextRange> range(l.elements[size_t(probe)].content, uno::UNO_QUERY_THROW);
+        // 1: point before the end, 0: at it, -1: after it.
+        if (compare->compareRegionStarts(point, range->getEnd()) >= 0) {
+            found = probe;
+            hi = mid - 1;
+        } else {
+            lo = probe + 1;
+        }
+    }
+    if (found < 0)
+        return -1;
+    if (element)
+        *element = found;
+    const Element &e = l.elements[size_t(found)];
+    uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY_THROW);
+    return e.base + measure(range->getStart(), point);
+}
+
+uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int point)
+{
+    const int index = elementAt(l, point);
+    if (index < 0 || l.elements[size_t(index)].isTable)
+        return uno::Reference<text::XTextCursor>();
+    const Element &e = l.elements[size_t(index)];
+    uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextCursor> cursor = m_text->createTextCursorByRange(range->getStart());
+    const int wanted = point - e.base;
+    if (wanted == e.length) {
+        cursor->gotoRange(range->getEnd(), false);
+        return cursor;
+    }
+    if (wanted <= 0)
+        return cursor;
+    cursor->goRight(sal_Int16(std::min(wanted, 32767)), false);
+    // Fields and anchored objects count differently for cursor moves and for text; settle on text.
+    for (int step = 0; step < 256; ++step) {
+        const int have = measure(range->getStart(), cursor->getStart());
+        if (have == wanted)
+            break;
+        if (have < wanted ? !cursor->goRight(1, false) : !cursor->goLeft(1, false))
+            break;
+    }
+    return cursor;
+}
+
+HRESULT ZylTextModel::pageStart(int page, LONG *position)
+{
+    const int pages = pageCount();
+    if (page < 1 || page > pages || page > 32767)
+        return E_INVALIDARG;
+    if (page == 1) {
+        *position = 0;
+        return S_OK;
+    }
+    uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextViewCursorSupplier> supplier(model->getCurrentController(), uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextViewCursor> view = supplier->getViewCursor();
+    uno::Reference<text::XPageCursor> pageCursor(view, uno::UNO_QUERY_THROW);
+    pageCursor->jumpToPage(sal_Int16(page));
+    if (pageCursor->getPage() != page)
+        return E_INVALIDARG;
+    pageCursor->jumpToStartOfPage();
+
+    const Layout l = layout();
+    uno::Reference<text::XText> viewText = view->getText();
+    if (viewText == m_text) {
+        int index = -1;
+        const int x = offsetOf(l, view->getStart(), &index);
+        if (x < 0)
+            return E_FAIL;
+        const bool atParagraphStart = x == l.elements[size_t(index)].base;
+        const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
+        *position = (atParagraphStart && afterParagraph) ? x : x + 1;
+        return S_OK;
+    }
+
+    // The page begins inside a table: at its first cell when the table starts the page.
+    uno::Reference<beans::XPropertySet> viewProps(view, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextTable> table;
+    viewProps->getPropertyValue(ou("TextTable")) >>= table;
+    if (!table.is())
+        return E_FAIL;
+    uno::Reference<text::XTextContent> tableContent(table, uno::UNO_QUERY);
+    int index = -1;
+    for (size_t i = 0; i < l.elements.size(); ++i) {
+        if (l.elements[i].isTable && l.elements[i].content == tableContent) {
+            index = int(i);
+            break;
+        }
+    }
+    if (index < 0)
+        return E_FAIL; // a table nested in a frame or another table
+    uno::Reference<beans::XPropertySet> cell;
+    viewProps->getPropertyValue(ou("Cell")) >>= cell;
+    rtl::OUString cellName;
+    if (cell.is())
+        cell->getPropertyValue(ou("CellName")) >>= cellName;
+    const int t = l.elements[size_t(index)].base;
+    const bool tableStartsPage = cellName == ou("A1");
+    const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
+    *position = (tableStartsPage && afterParagraph) ? t : t + 1;
+    return S_OK;
+}
+
+LONG ZylTextModel::endPosition()
+{
+    return layout().length + 1;
+}
+
+HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
+{
+    const Layout l = layout();
+    start = std::max<LONG>(0, std::min<LONG>(start, l.length + 1));
+    end = std::max<LONG>(0, std::min<LONG>(end, l.length + 1));
+    if (start >= end)
+        return S_OK;
+    const bool fromVirtualMark = start == 0;
+    const int rs = fromVirtualMark ? 0 : int(start) - 1;
+    const int re = int(end) - 1;
+
+    // Where the text part of the cut begins and ends; tables wholly inside go separately.
+    uno::Reference<text::XTextCursor> from;
+    int fromIndex = elementAt(l, rs);
+    if (fromIndex >= 0 && l.elements[size_t(fromIndex)].isTable) {
+        for (size_t i = size_t(fromIndex); i < l.elements.size(); ++i) {
+            if (!l.elements[i].isTable) {
+                if (l.elements[i].base <= re)
+                    from = cursorAt(l, l.elements[i].base);
+                break;
+            }
+        }
+    } else {
+        from = cursorAt(l, rs);
+    }
+    uno::Reference<text::XTextCursor> to;
+    const int toIndex = elementAt(l, re);
+    if (toIndex >= 0 && l.elements[size_t(toIndex)].isTable) {
+        if (toIndex > 0 && !l.elements[size_t(toIndex - 1)].isTable && re - 1 >= rs)
+            to = cursorAt(l, re - 1);
+    } else {
+        to = cursorAt(l, re);
+    }
+    std::vector<uno::Reference<text::XTextContent>> tables;
+    for (const Element &e : l.elements) {
+        if (e.isTable && e.base >= rs && e.base + 1 <= re)
+            tables.push_back(e.content);
+    }
+
+    // The element that follows the cut keeps the page style it is laid out with now.
+    const bool endsAtParagraphEnd = toIndex >= 0 && !l.elements[size_t(toIndex)].isTable
+        && re == l.elements[size_t(toIndex)].base + l.elements[size_t(toIndex)].length && re < l.length;
+    const bool endsAtParagraphStart = toIndex >= 0 && !l.elements[size_t(toIndex)].isTable
+        && re == l.elements[size_t(toIndex)].base && re > rs;
+    uno::Reference<text::XTextContent> follower;
+    if (endsAtParagraphEnd && size_t(toIndex + 1) < l.elements.size())
+        follower = l.elements[size_t(toIndex + 1)].content;
+    rtl::OUString followerStyle;
+    if (follower.is() && !l.elements[size_t(toIndex + 1)].isTable)
+        followerStyle = pageStyleOf(follower);
+    rtl::OUString joinedStyle;
+    if (endsAtParagraphStart)
+        joinedStyle = pageStyleOf(l.elements[size_t(toIndex)].content);
+
+    UndoContext undo(m_document, "Delete");
+    for (const auto &table : tables)
+        table->dispose();
+    if (from.is() && to.is()) {
+        from->gotoRange(to->getStart(), true);
+        from->setString(rtl::OUString());
+    }
+
+    if (fromVirtualMark && endsAtParagraphEnd && follower.is()) {
+        // What is left of the first deleted paragraph goes too, so the follower starts the body.
+        const Layout after = layout();
+        if (after.elements.size() > 1 && !after.elements.front().isTable && after.elements.front().length == 0
+            && after.elements[1].content == follower) {
+            after.elements.front().content->dispose();
+        }
+    }
+    uno::Reference<beans::XPropertySet> restore;
+    rtl::OUString wanted;
+    if (!followerStyle.isEmpty()) {
+        restore.set(follower, uno::UNO_QUERY);
+        wanted = followerStyle;
+    } else if (!joinedStyle.isEmpty() && from.is()) {
+        restore.set(from, uno::UNO_QUERY);
+        wanted = joinedStyle;
+    }
+    if (restore.is() && pageStyleOf(restore) != wanted)
+        restore->setPropertyValue(ou("PageDescName"), uno::Any(wanted));
+    return S_OK;
+}
+
+HRESULT ZylTextModel::insertPageBreak(LONG position)
+{
+    const Layout l = layout();
+    const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
+    uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
+    if (!cursor.is())
+        return E_INVALIDARG;
+    UndoContext undo(m_document, "Page break");
+    m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursor, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
+    uno::Reference<beans::XPropertySet> props(cursor, uno::UNO_QUERY_THROW);
+    props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
+    return S_OK;
+}
+
+HRESULT ZylTextModel::insertParagraph(LONG position)
+{
+    const Layout l = layout();
+    const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
+    uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
+    if (!cursor.is())
+        return E_INVALIDARG;
+    m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursor, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
+    return S_OK;
+}
+
+HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
+{
+    const Layout before = layout();
+    const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);
+    uno::Reference<text::XTextCursor> cursor = cursorAt(before, point);
+    if (!cursor.is())
+        return E_INVALIDARG;
+    uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
+    const std::string utf8 = url.toStdString();
+    insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());
+    const Layout after = layout();
+    // Inserting fails silently (missing, encrypted or unreadable files): judge by the result.
+    if (after.elements.size() == before.elements.size() && after.length == before.length) {
+        qCWarning(lcZylServer) << "nothing was inserted from" << url;
+        return E_FAIL;
+    }
+    return S_OK;
+}

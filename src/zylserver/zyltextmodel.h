@@ -1,0 +1,68 @@
+// Character positions in a text document's body, shared by "GoTo", "Range", "Start", "End" and
+// the editing members.
+//
+// The body is a row of paragraphs and tables. A paragraph takes its characters plus one for its
+// end mark, a table takes one. Position p stands just before the (p-1)-th of these characters;
+// position 0 stands before a virtual paragraph mark ahead of the whole body, so the last body
+// position is the body's length plus one.
+//
+// A page that begins at a paragraph start begins, in positions, at the end mark that closes the
+// page before. Deleting from one page start to another then removes the end mark before the
+// first page and keeps the one that closes the last deleted page: the paragraph after the cut
+// keeps its own page style and break, and a cut to the end leaves no empty page behind.
+#pragma once
+
+#include <vector>
+
+#include <QString>
+
+#include <com/sun/star/text/XText.hpp>
+#include <com/sun/star/text/XTextContent.hpp>
+#include <com/sun/star/text/XTextCursor.hpp>
+#include <com/sun/star/text/XTextDocument.hpp>
+
+#include <vcomrt/com.h>
+
+class ZylTextModel {
+public:
+    explicit ZylTextModel(const css::uno::Reference<css::text::XTextDocument> &document);
+
+    // Pages as the office lays them out now.
+    int pageCount();
+    // Position where the page begins; E_INVALIDARG when there is no such page.
+    HRESULT pageStart(int page, LONG *position);
+    LONG endPosition();
+
+    HRESULT deleteRange(LONG start, LONG end);
+    // One undo step: a paragraph break whose new paragraph starts on a new page.
+    HRESULT insertPageBreak(LONG position);
+    HRESULT insertParagraph(LONG position);
+    // Inserts the document at url; E_FAIL when nothing arrived.
+    HRESULT insertFile(LONG position, const QString &url);
+
+private:
+    struct Element {
+        bool isTable = false;
+        int base = 0;   // offset of its first character in the body
+        int length = 0; // characters, without the end mark
+        css::uno::Reference<css::text::XTextContent> content;
+    };
+    struct Layout {
+        std::vector<Element> elements;
+        int length = 0; // real points run from 0 to length
+    };
+
+    Layout layout();
+    // Index of the element that holds real point `point` (a paragraph from its start to its end
+    // mark, or a table's slot); -1 beyond the body.
+    static int elementAt(const Layout &l, int point);
+    // Real offset of a point in the body text; -1 when it lies elsewhere.
+    int offsetOf(const Layout &l, const css::uno::Reference<css::text::XTextRange> &point, int *element);
+    // A collapsed cursor at a real point inside a paragraph; null for a table slot.
+    css::uno::Reference<css::text::XTextCursor> cursorAt(const Layout &l, int point);
+    int measure(const css::uno::Reference<css::text::XTextRange> &from,
+                const css::uno::Reference<css::text::XTextRange> &to);
+
+    css::uno::Reference<css::text::XTextDocument> m_document;
+    css::uno::Reference<css::text::XText> m_text;
+};
