@@ -1,0 +1,244 @@
+#include "fakezylserver.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QMutexLocker>
+
+#include "fakezylobject.h"
+#include "fakezylstate.h"
+
+namespace {
+
+// {3C0D6B2E-71A4-4E59-9B8F-5D2A61C7E904}, the CLSID the test registry names.
+const CLSID kClsid = {0x3C0D6B2E, 0x71A4, 0x4E59, {0x9B, 0x8F, 0x5D, 0x2A, 0x61, 0xC7, 0xE9, 0x04}};
+
+class Factory : public IClassFactory {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppv) override
+    {
+        if (!ppv)
+            return E_POINTER;
+        if (riid == IID_IUnknown || riid == IID_IClassFactory) {
+            *ppv = static_cast<IClassFactory *>(this);
+            return S_OK;
+        }
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    // Lives as long as the library.
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown *outer, REFIID riid, void **ppv) override
+    {
+        if (!ppv)
+            return E_POINTER;
+        *ppv = nullptr;
+        if (outer)
+            return CLASS_E_NOAGGREGATION;
+        FakeZylState &state = FakeZylState::instance();
+        const HRESULT scripted = state.enter(QStringLiteral("CreateInstance"));
+        if (FAILED(scripted))
+            return scripted;
+        {
+            QMutexLocker locker(&state.mutex);
+            if (FAILED(state.creationFailure))
+                return state.creationFailure;
+            ++state.applicationsCreated;
+        }
+        FakeZylObject *application = FakeZylObject::createApplication();
+        const HRESULT hr = application->QueryInterface(riid, ppv);
+        application->Release();
+        return hr;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+};
+
+} // namespace
+
+FakeZylState &FakeZylState::instance()
+{
+    static FakeZylState state;
+    return state;
+}
+
+HRESULT FakeZylState::enter(const QString &member)
+{
+    QMutexLocker locker(&mutex);
+    if (member != QLatin1String("CreateInstance"))
+        ++invocations;
+    const int occurrence = ++callCounts[member];
+    if (member == blockMember && occurrence == blockOccurrence) {
+        blocked = true;
+        changed.wakeAll();
+        while (!released)
+            changed.wait(&mutex);
+    }
+    const QHash<int, HRESULT> scripted = failures.value(member);
+    if (scripted.contains(occurrence))
+        return scripted.value(occurrence);
+    if (scripted.contains(0))
+        return scripted.value(0);
+    return S_OK;
+}
+
+void FakeZylState::record(const QString &entry)
+{
+    QMutexLocker locker(&mutex);
+    journal << entry;
+}
+
+void FakeZylServer::reset()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.journal.clear();
+    state.callCounts.clear();
+    state.failures.clear();
+    state.protection.clear();
+    state.creationFailure = S_OK;
+    state.breakAddsTwoPages = false;
+    state.blockMember.clear();
+    state.blockOccurrence = 0;
+    state.blocked = false;
+    // Whoever still waits goes on.
+    state.released = true;
+    state.changed.wakeAll();
+    state.nameLookups = 0;
+    state.invocations = 0;
+    state.applicationsCreated = 0;
+}
+
+QStringList FakeZylServer::journal()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    return state.journal;
+}
+
+QStringList FakeZylServer::journal(const QString &objectAndMember)
+{
+    QStringList out;
+    const QStringList all = journal();
+    for (const QString &entry : all) {
+        const QString call = entry.mid(entry.indexOf(QLatin1Char(' ')) + 1);
+        if (call.startsWith(objectAndMember + QLatin1Char('(')))
+            out << entry;
+    }
+    return out;
+}
+
+int FakeZylServer::nameLookups()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    return state.nameLookups;
+}
+
+int FakeZylServer::invocations()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    return state.invocations;
+}
+
+int FakeZylServer::liveObjects()
+{
+    return FakeZylState::instance().liveObjects.load();
+}
+
+int FakeZylServer::openDocuments()
+{
+    return FakeZylState::instance().openDocuments.load();
+}
+
+int FakeZylServer::applicationsCreated()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    return state.applicationsCreated;
+}
+
+void FakeZylServer::failCreation(HRESULT hr)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.creationFailure = hr;
+}
+
+void FakeZylServer::failCall(const QString &member, int occurrence, HRESULT hr)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.failures[member].insert(occurrence, hr);
+}
+
+void FakeZylServer::setProtection(const QString &fileName, int type)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.protection.insert(fileName, type);
+}
+
+void FakeZylServer::setBreakAddsTwoPages(bool on)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.breakAddsTwoPages = on;
+}
+
+void FakeZylServer::blockAt(const QString &member, int occurrence)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.blockMember = member;
+    state.blockOccurrence = occurrence;
+    state.blocked = false;
+    state.released = false;
+}
+
+bool FakeZylServer::waitUntilBlocked(int timeoutMs)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    QDeadlineTimer deadline(timeoutMs);
+    while (!state.blocked) {
+        if (!state.changed.wait(&state.mutex, deadline))
+            return state.blocked;
+    }
+    return true;
+}
+
+void FakeZylServer::release()
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.released = true;
+    state.changed.wakeAll();
+}
+
+bool FakeZylServer::writeDocument(const QString &path, const QStringList &pages)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    return file.write(pages.join(QLatin1Char('\f')).toUtf8()) >= 0;
+}
+
+QStringList FakeZylServer::readDocument(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringList();
+    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\f'));
+}
+
+extern "C" FAKEZYL_EXPORT HRESULT DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID *ppv)
+{
+    if (!ppv)
+        return E_POINTER;
+    *ppv = nullptr;
+    if (rclsid != kClsid)
+        return CLASS_E_CLASSNOTAVAILABLE;
+    static Factory factory;
+    return factory.QueryInterface(riid, ppv);
+}

@@ -1,0 +1,442 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+
+#include "engine/innerzylprocessor.h"
+#include "fakezylserver.h"
+
+using ClientOp = std::function<HRESULT(InnerZylProcessor *, IDispatch *, const QString &)>;
+Q_DECLARE_METATYPE(ClientOp)
+
+class tst_InnerZylProcessor : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void openDocument_data();
+    void openDocument();
+    void failedPreconditionSendsNothing_data();
+    void failedPreconditionSendsNothing();
+    void memberCalls_data();
+    void memberCalls();
+    void saveDocumentAs_data();
+    void saveDocumentAs();
+    void saveDocumentAsKeepsExistingFile();
+    void pagePositions_data();
+    void pagePositions();
+    void deletePages_data();
+    void deletePages();
+    void deleteLastCharacter_data();
+    void deleteLastCharacter();
+    void serverFailurePassesThrough_data();
+    void serverFailurePassesThrough();
+    void createApplicationTwiceKeepsTheFirst();
+    void memberIdsAreNotCached();
+
+private:
+    QString makeDocument(const QString &name, const QStringList &pages);
+
+    QTemporaryDir m_dir;
+    InnerZylProcessor *m_client = nullptr;
+    InnerZylProcessor::Dispatch m_document;
+};
+
+void tst_InnerZylProcessor::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QVERIFY(SUCCEEDED(CoInitialize(nullptr)));
+}
+
+void tst_InnerZylProcessor::cleanupTestCase()
+{
+    CoUninitialize();
+}
+
+void tst_InnerZylProcessor::init()
+{
+    FakeZylServer::reset();
+    m_client = new InnerZylProcessor;
+    QCOMPARE(m_client->createApplication(), S_OK);
+    const QString path = makeDocument(QStringLiteral("three.docx"),
+                                      {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")});
+    QCOMPARE(m_client->openDocument(path, &m_document), S_OK);
+    QVERIFY(m_document);
+    FakeZylServer::reset();
+}
+
+void tst_InnerZylProcessor::cleanup()
+{
+    if (m_document)
+        m_client->closeDocument(m_document.get());
+    m_document.reset();
+    m_client->quitApplication();
+    delete m_client;
+    m_client = nullptr;
+    // Every reference the client took has been given back.
+    QCOMPARE(FakeZylServer::liveObjects(), 0);
+    QCOMPARE(FakeZylServer::openDocuments(), 0);
+}
+
+QString tst_InnerZylProcessor::makeDocument(const QString &name, const QStringList &pages)
+{
+    const QString path = m_dir.filePath(name);
+    QFile::remove(path);
+    if (!FakeZylServer::writeDocument(path, pages))
+        return QString();
+    return path;
+}
+
+void tst_InnerZylProcessor::openDocument_data()
+{
+    QTest::addColumn<bool>("backslashes");
+    QTest::newRow("forward_slashes") << false;
+    QTest::newRow("backslashes_become_forward_slashes") << true;
+}
+
+void tst_InnerZylProcessor::openDocument()
+{
+    QFETCH(bool, backslashes);
+    const QString path = makeDocument(QStringLiteral("a.doc"), {QStringLiteral("x")});
+    QString given = path;
+    if (backslashes)
+        given.replace(QLatin1Char('/'), QLatin1Char('\\'));
+
+    InnerZylProcessor::Dispatch document;
+    QCOMPARE(m_client->openDocument(given, &document), S_OK);
+    QVERIFY(document);
+    QCOMPARE(FakeZylServer::journal(),
+             QStringList({QStringLiteral("get Application.Documents()"),
+                          QStringLiteral("call Documents.Open(bstr:%1)").arg(path)}));
+    QCOMPARE(m_client->closeDocument(document.get()), S_OK);
+}
+
+void tst_InnerZylProcessor::failedPreconditionSendsNothing_data()
+{
+    using Op = ClientOp;
+    QTest::addColumn<Op>("operation");
+    QTest::addColumn<QStringList>("sent");
+
+    const QStringList nothing;
+    const QStringList countOnly{QStringLiteral("call Document.ComputeStatistics(i4:2)")};
+    InnerZylProcessor::Dispatch none;
+
+    QTest::newRow("open_missing_file") << Op([](InnerZylProcessor *c, IDispatch *, const QString &dir) {
+        InnerZylProcessor::Dispatch d;
+        return c->openDocument(dir + QStringLiteral("/missing.docx"), &d);
+    }) << nothing;
+    QTest::newRow("open_missing_file_with_backslashes") << Op([](InnerZylProcessor *c, IDispatch *, const QString &dir) {
+        InnerZylProcessor::Dispatch d;
+        return c->openDocument(QString(dir + QStringLiteral("/missing.docx")).replace('/', '\\'), &d);
+    }) << nothing;
+    QTest::newRow("save_as_onto_existing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->saveDocumentAs(d, dir + QStringLiteral("/three.docx"));
+    }) << nothing;
+    QTest::newRow("save_as_docx_onto_existing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->saveDocumentAs(d, dir + QStringLiteral("/three.docx"), QStringLiteral("docx"));
+    }) << nothing;
+    QTest::newRow("insert_missing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->insertFileAtEnd(d, dir + QStringLiteral("/missing.docx"));
+    }) << nothing;
+    QTest::newRow("range_negative_start") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        InnerZylProcessor::Dispatch r;
+        return c->rangeOf(d, -1, 3, &r);
+    }) << nothing;
+    QTest::newRow("range_negative_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        InnerZylProcessor::Dispatch r;
+        return c->rangeOf(d, 0, -3, &r);
+    }) << nothing;
+    QTest::newRow("page_start_of_page_0") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageStart(d, 0, &p);
+    }) << nothing;
+    QTest::newRow("page_end_of_page_0") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageEnd(d, 0, &p);
+    }) << nothing;
+    QTest::newRow("page_start_past_the_count") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageStart(d, 4, &p);
+    }) << countOnly;
+    QTest::newRow("page_end_past_the_count") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageEnd(d, 4, &p);
+    }) << countOnly;
+    QTest::newRow("delete_pages_3_to_2") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->deletePages(d, 3, 2);
+    }) << nothing;
+    QTest::newRow("delete_pages_0_to_2") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->deletePages(d, 0, 2);
+    }) << nothing;
+    QTest::newRow("statistics_of_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        int p = 0;
+        return c->computeStatistics(nullptr, &p);
+    }) << nothing;
+    QTest::newRow("close_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->closeDocument(nullptr);
+    }) << nothing;
+    QTest::newRow("start_of_no_range") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        int p = 0;
+        return c->rangeStart(nullptr, &p);
+    }) << nothing;
+    QTest::newRow("break_in_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->insertBreakAtEnd(nullptr);
+    }) << nothing;
+    QTest::newRow("documents_without_application") << Op([](InnerZylProcessor *, IDispatch *, const QString &) {
+        InnerZylProcessor fresh;
+        InnerZylProcessor::Dispatch d;
+        return fresh.documents(&d);
+    }) << nothing;
+    QTest::newRow("quit_without_application") << Op([](InnerZylProcessor *, IDispatch *, const QString &) {
+        InnerZylProcessor fresh;
+        return fresh.quitApplication();
+    }) << nothing;
+}
+
+void tst_InnerZylProcessor::failedPreconditionSendsNothing()
+{
+    using Op = ClientOp;
+    QFETCH(Op, operation);
+    QFETCH(QStringList, sent);
+
+    QCOMPARE(operation(m_client, m_document.get(), m_dir.path()), E_FAIL);
+    QCOMPARE(FakeZylServer::journal(), sent);
+    QCOMPARE(FakeZylServer::readDocument(m_dir.filePath(QStringLiteral("three.docx"))),
+             QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+}
+
+void tst_InnerZylProcessor::memberCalls_data()
+{
+    using Op = ClientOp;
+    QTest::addColumn<Op>("operation");
+    QTest::addColumn<QStringList>("sent");
+
+    QTest::newRow("compute_statistics") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int n = 0;
+        const HRESULT hr = c->computeStatistics(d, &n);
+        return n == 3 ? hr : E_UNEXPECTED;
+    }) << QStringList{QStringLiteral("call Document.ComputeStatistics(i4:2)")};
+    QTest::newRow("protection_type") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int type = 0;
+        const HRESULT hr = c->protectionType(d, &type);
+        return type == -1 ? hr : E_UNEXPECTED;
+    }) << QStringList{QStringLiteral("get Document.ProtectionType()")};
+    QTest::newRow("save") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->saveDocument(d);
+    }) << QStringList{QStringLiteral("call Document.Save()")};
+    QTest::newRow("undo") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->undo(d, 1);
+    }) << QStringList{QStringLiteral("call Document.Undo(i4:1)")};
+    QTest::newRow("go_to_page") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        InnerZylProcessor::Dispatch r;
+        const HRESULT hr = c->goToPage(d, 2, &r);
+        return r ? hr : E_UNEXPECTED;
+    }) << QStringList{QStringLiteral("call Document.GoTo(i4:1, i4:1, i4:2)")};
+    QTest::newRow("range_of_start_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        InnerZylProcessor::Dispatch r;
+        int start = -1;
+        int end = -1;
+        HRESULT hr = c->rangeOf(d, 2, 5, &r);
+        if (SUCCEEDED(hr))
+            hr = c->rangeStart(r.get(), &start);
+        if (SUCCEEDED(hr))
+            hr = c->rangeEnd(r.get(), &end);
+        return start == 2 && end == 5 ? hr : E_UNEXPECTED;
+    }) << QStringList{QStringLiteral("call Document.Range(i4:2, i4:5)"), QStringLiteral("get Range.Start()"),
+                      QStringLiteral("get Range.End()")};
+    QTest::newRow("insert_break_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->insertBreakAtEnd(d);
+    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
+                      QStringLiteral("call Range.InsertBreak(i4:7)")};
+    QTest::newRow("insert_paragraph_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->insertParagraphAtEnd(d);
+    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
+                      QStringLiteral("call Range.InsertParagraph()")};
+    // The inserted file's path goes out as given, backslashes and all: only "Open" converts.
+    QTest::newRow("insert_file_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->insertFileAtEnd(d, dir + QStringLiteral("/three.docx"));
+    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
+                      QStringLiteral("call Range.InsertFile(bstr:%DIR%/three.docx)")};
+    QTest::newRow("close") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->closeDocument(d);
+    }) << QStringList{QStringLiteral("call Document.Close(i4:0)")};
+    QTest::newRow("quit") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->quitApplication();
+    }) << QStringList{QStringLiteral("call Application.Quit()")};
+}
+
+void tst_InnerZylProcessor::memberCalls()
+{
+    using Op = ClientOp;
+    QFETCH(Op, operation);
+    QFETCH(QStringList, sent);
+    sent.replaceInStrings(QStringLiteral("%DIR%"), m_dir.path());
+
+    QCOMPARE(operation(m_client, m_document.get(), m_dir.path()), S_OK);
+    QCOMPARE(FakeZylServer::journal(), sent);
+}
+
+void tst_InnerZylProcessor::saveDocumentAs_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("formatArgument");
+    QTest::newRow("no_format_keeps_the_loaded_one") << QString() << QStringLiteral("empty");
+    QTest::newRow("docx_is_12") << QStringLiteral("docx") << QStringLiteral("i4:12");
+    QTest::newRow("doc_is_0") << QStringLiteral("doc") << QStringLiteral("i4:0");
+    QTest::newRow("zyl_is_0") << QStringLiteral("zyl") << QStringLiteral("i4:0");
+    QTest::newRow("upper_case_DOCX_is_0") << QStringLiteral("DOCX") << QStringLiteral("i4:0");
+}
+
+void tst_InnerZylProcessor::saveDocumentAs()
+{
+    QFETCH(QString, format);
+    QFETCH(QString, formatArgument);
+    const QString target = m_dir.filePath(QStringLiteral("saved.out"));
+    QFile::remove(target);
+
+    const HRESULT hr = format.isNull() ? m_client->saveDocumentAs(m_document.get(), target)
+                                       : m_client->saveDocumentAs(m_document.get(), target, format);
+    QCOMPARE(hr, S_OK);
+    QCOMPARE(FakeZylServer::journal(),
+             QStringList{QStringLiteral("call Document.SaveAs2(bstr:%1, %2, empty, bstr:, i4:0)")
+                             .arg(target, formatArgument)});
+    QCOMPARE(FakeZylServer::readDocument(target).size(), 3);
+}
+
+void tst_InnerZylProcessor::saveDocumentAsKeepsExistingFile()
+{
+    const QString target = makeDocument(QStringLiteral("existing.docx"), {QStringLiteral("keep me")});
+    QCOMPARE(m_client->saveDocumentAs(m_document.get(), target, QStringLiteral("docx")), E_FAIL);
+    QCOMPARE(m_client->saveDocumentAs(m_document.get(), target), E_FAIL);
+    QCOMPARE(FakeZylServer::readDocument(target), QStringList{QStringLiteral("keep me")});
+    QVERIFY(FakeZylServer::journal().isEmpty());
+}
+
+void tst_InnerZylProcessor::pagePositions_data()
+{
+    QTest::addColumn<int>("page");
+    QTest::addColumn<int>("start");
+    QTest::addColumn<int>("end");
+    // "one\ftwo\fthree": page 2 starts after the first break, at 4.
+    QTest::newRow("first_page") << 1 << 0 << 4;
+    QTest::newRow("middle_page_ends_where_next_starts") << 2 << 4 << 8;
+    QTest::newRow("last_page_ends_at_document_end") << 3 << 8 << 13;
+}
+
+void tst_InnerZylProcessor::pagePositions()
+{
+    QFETCH(int, page);
+    QFETCH(int, start);
+    QFETCH(int, end);
+    int gotStart = -1;
+    int gotEnd = -1;
+    QCOMPARE(m_client->pageStart(m_document.get(), page, &gotStart), S_OK);
+    QCOMPARE(gotStart, start);
+    FakeZylServer::reset();
+    QCOMPARE(m_client->pageEnd(m_document.get(), page, &gotEnd), S_OK);
+    QCOMPARE(gotEnd, end);
+    // The last page is measured on the whole range, the others where the next page begins.
+    const QStringList sent = FakeZylServer::journal();
+    QCOMPARE(sent.first(), QStringLiteral("call Document.ComputeStatistics(i4:2)"));
+    if (page == 3)
+        QCOMPARE(sent.at(1), QStringLiteral("call Document.Range()"));
+    else
+        QCOMPARE(sent.at(1), QStringLiteral("call Document.GoTo(i4:1, i4:1, i4:%1)").arg(page + 1));
+    QCOMPARE(sent.last(), QStringLiteral("get Range.End()"));
+}
+
+void tst_InnerZylProcessor::deletePages_data()
+{
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+    QTest::addColumn<QStringList>("remaining");
+    QTest::newRow("head") << 1 << 1 << QStringList{QStringLiteral("two"), QStringLiteral("three")};
+    QTest::newRow("middle") << 2 << 2 << QStringList{QStringLiteral("one"), QStringLiteral("three")};
+    QTest::newRow("tail") << 2 << 3 << QStringList{QStringLiteral("one")};
+}
+
+void tst_InnerZylProcessor::deletePages()
+{
+    QFETCH(int, first);
+    QFETCH(int, last);
+    QFETCH(QStringList, remaining);
+    QCOMPARE(m_client->deletePages(m_document.get(), first, last), S_OK);
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Range.Delete")).size(), 1);
+    const QString saved = m_dir.filePath(QStringLiteral("deleted.docx"));
+    QFile::remove(saved);
+    QCOMPARE(m_client->saveDocumentAs(m_document.get(), saved), S_OK);
+    QCOMPARE(FakeZylServer::readDocument(saved), remaining);
+}
+
+void tst_InnerZylProcessor::deleteLastCharacter_data()
+{
+    QTest::addColumn<QStringList>("pages");
+    QTest::addColumn<QStringList>("after");
+    QTest::addColumn<bool>("deletes");
+    QTest::newRow("empty_document_is_left_alone") << QStringList{QString()} << QStringList{QString()} << false;
+    QTest::newRow("one_character_goes") << QStringList{QStringLiteral("ab"), QStringLiteral("cd\n")}
+                                        << QStringList{QStringLiteral("ab"), QStringLiteral("cd")} << true;
+}
+
+void tst_InnerZylProcessor::deleteLastCharacter()
+{
+    QFETCH(QStringList, pages);
+    QFETCH(QStringList, after);
+    QFETCH(bool, deletes);
+    InnerZylProcessor::Dispatch document;
+    QCOMPARE(m_client->openDocument(makeDocument(QStringLiteral("last.docx"), pages), &document), S_OK);
+    FakeZylServer::reset();
+    QCOMPARE(m_client->deleteLastCharacter(document.get()), S_OK);
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Range.Delete")).size(), deletes ? 1 : 0);
+    QCOMPARE(m_client->saveDocument(document.get()), S_OK);
+    QCOMPARE(m_client->closeDocument(document.get()), S_OK);
+    QCOMPARE(FakeZylServer::readDocument(m_dir.filePath(QStringLiteral("last.docx"))), after);
+}
+
+void tst_InnerZylProcessor::serverFailurePassesThrough_data()
+{
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("notSent");
+    QTest::newRow("go_to_fails") << QStringLiteral("GoTo") << int(DISP_E_EXCEPTION) << QStringLiteral("Range.Delete");
+    QTest::newRow("statistics_fail") << QStringLiteral("ComputeStatistics") << int(RPC_E_DISCONNECTED)
+                                     << QStringLiteral("Document.GoTo");
+    QTest::newRow("range_fails") << QStringLiteral("Range") << int(E_OUTOFMEMORY) << QStringLiteral("Range.Delete");
+}
+
+void tst_InnerZylProcessor::serverFailurePassesThrough()
+{
+    QFETCH(QString, member);
+    QFETCH(int, code);
+    QFETCH(QString, notSent);
+    FakeZylServer::failCall(member, 0, HRESULT(code));
+    QCOMPARE(m_client->deletePages(m_document.get(), 1, 2), HRESULT(code));
+    QVERIFY(FakeZylServer::journal(notSent).isEmpty());
+}
+
+void tst_InnerZylProcessor::createApplicationTwiceKeepsTheFirst()
+{
+    QCOMPARE(m_client->createApplication(), E_FAIL);
+    QCOMPARE(FakeZylServer::applicationsCreated(), 0);
+    // The document opened through the first application is still reachable.
+    int pages = 0;
+    QCOMPARE(m_client->computeStatistics(m_document.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QVERIFY(m_client->hasApplication());
+}
+
+void tst_InnerZylProcessor::memberIdsAreNotCached()
+{
+    int n = 0;
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(m_client->computeStatistics(m_document.get(), &n), S_OK);
+    QCOMPARE(FakeZylServer::invocations(), 3);
+    QCOMPARE(FakeZylServer::nameLookups(), 3);
+}
+
+QTEST_GUILESS_MAIN(tst_InnerZylProcessor)
+#include "tst_innerzylprocessor.moc"
