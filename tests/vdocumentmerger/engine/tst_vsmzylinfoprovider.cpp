@@ -1,0 +1,330 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "engine/innerinfoprovider.h"
+#include "engine/vsmzylinfoprovider.h"
+#include "fakezylserver.h"
+
+// Both signals of the provider in the order the page receives them.
+class ProviderLog : public QObject {
+public:
+    explicit ProviderLog(VSMInfoProvider *provider)
+    {
+        connect(provider, &VSMInfoProvider::infoPageCount, this,
+                [this](const QString &path, bool success, int count) {
+                    m_entries << QStringLiteral("%1 %2 %3")
+                                     .arg(QFileInfo(path).fileName())
+                                     .arg(success ? QStringLiteral("ok") : QStringLiteral("fail"))
+                                     .arg(count);
+                });
+        connect(provider, &VSMInfoProvider::infoTaskFinished, this,
+                [this](const QStringList &files, bool success) {
+                    QStringList names;
+                    for (const QString &f : files)
+                        names << QFileInfo(f).fileName();
+                    m_entries << QStringLiteral("finished %1 [%2]")
+                                     .arg(success ? QStringLiteral("true") : QStringLiteral("false"))
+                                     .arg(names.join(QLatin1Char(',')));
+                });
+    }
+    QStringList entries() const { return m_entries; }
+
+private:
+    QStringList m_entries;
+};
+
+class tst_VSMZylInfoProvider : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void emptyListDoesNothing();
+    void countsInListOrder_data();
+    void countsInListOrder();
+    void protectedDocumentIsClosedUnsaved();
+    void serverCannotBeCreated();
+    void cancelRightAfterStart();
+    void cancelTwiceReportsAgain();
+    void cancelMidwayReportsTheRest();
+    void duplicatePathsHaveOneEntry();
+    void secondStartKeepsTheFirstRunning();
+
+private:
+    QString document(const QString &name, int pages);
+
+    QTemporaryDir m_dir;
+};
+
+void tst_VSMZylInfoProvider::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QVERIFY(!qEnvironmentVariableIsEmpty("VCOMRT_REGISTRY"));
+}
+
+void tst_VSMZylInfoProvider::init()
+{
+    FakeZylServer::reset();
+}
+
+void tst_VSMZylInfoProvider::cleanup()
+{
+    FakeZylServer::release();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(FakeZylServer::liveObjects(), 0);
+    QCOMPARE(FakeZylServer::openDocuments(), 0);
+}
+
+QString tst_VSMZylInfoProvider::document(const QString &name, int pages)
+{
+    QStringList texts;
+    for (int i = 1; i <= pages; ++i)
+        texts << QStringLiteral("%1 page %2").arg(name).arg(i);
+    const QString path = m_dir.filePath(name);
+    return FakeZylServer::writeDocument(path, texts) ? path : QString();
+}
+
+void tst_VSMZylInfoProvider::emptyListDoesNothing()
+{
+    VSMZylInfoProvider provider;
+    QSignalSpy counts(&provider, &VSMInfoProvider::infoPageCount);
+    QSignalSpy finished(&provider, &VSMInfoProvider::infoTaskFinished);
+    QVERIFY(counts.isValid());
+    QVERIFY(finished.isValid());
+    provider.start(QStringList());
+    QVERIFY(!provider.worker());
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::processEvents();
+    QCOMPARE(counts.count(), 0);
+    QCOMPARE(finished.count(), 0);
+    QCOMPARE(FakeZylServer::applicationsCreated(), 0);
+}
+
+void tst_VSMZylInfoProvider::countsInListOrder_data()
+{
+    QTest::addColumn<QString>("failingMember");
+    QTest::addColumn<int>("occurrence");
+    QTest::addColumn<bool>("secondExists");
+    QTest::addColumn<QStringList>("expected");
+
+    const QStringList secondFails{QStringLiteral("a.docx ok 2"), QStringLiteral("b.doc fail 0"),
+                                  QStringLiteral("c.zyl ok 4"),
+                                  QStringLiteral("finished true [a.docx,b.doc,c.zyl]")};
+    QTest::newRow("all_counted") << QString() << 0 << true
+                                 << QStringList{QStringLiteral("a.docx ok 2"), QStringLiteral("b.doc ok 1"),
+                                                QStringLiteral("c.zyl ok 4"),
+                                                QStringLiteral("finished true [a.docx,b.doc,c.zyl]")};
+    QTest::newRow("second_missing") << QString() << 0 << false << secondFails;
+    QTest::newRow("second_fails_to_open") << QStringLiteral("Open") << 2 << true << secondFails;
+    QTest::newRow("second_fails_to_count") << QStringLiteral("ComputeStatistics") << 2 << true << secondFails;
+    QTest::newRow("second_fails_to_close") << QStringLiteral("Close") << 2 << true << secondFails;
+    QTest::newRow("second_protection_unknown") << QStringLiteral("ProtectionType") << 2 << true << secondFails;
+}
+
+void tst_VSMZylInfoProvider::countsInListOrder()
+{
+    QFETCH(QString, failingMember);
+    QFETCH(int, occurrence);
+    QFETCH(bool, secondExists);
+    QFETCH(QStringList, expected);
+
+    const QStringList files{document(QStringLiteral("a.docx"), 2),
+                            secondExists ? document(QStringLiteral("b.doc"), 1) : m_dir.filePath(QStringLiteral("b.doc")),
+                            document(QStringLiteral("c.zyl"), 4)};
+    if (!secondExists)
+        QFile::remove(files.at(1));
+    if (!failingMember.isEmpty())
+        FakeZylServer::failCall(failingMember, occurrence, DISP_E_EXCEPTION);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    QSignalSpy counts(&provider, &VSMInfoProvider::infoPageCount);
+    QSignalSpy finished(&provider, &VSMInfoProvider::infoTaskFinished);
+    QVERIFY(counts.isValid());
+    QVERIFY(finished.isValid());
+    provider.start(files);
+    QVERIFY(provider.worker());
+
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(log.entries(), expected);
+    // Paths come back exactly as they were given.
+    QCOMPARE(counts.count(), 3);
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(counts.at(i).at(0).toString(), files.at(i));
+    QCOMPARE(finished.first().at(0).toStringList(), files);
+    QTRY_VERIFY(!provider.worker());
+
+    // One application for the whole list, quit at the end; every opened file closed unsaved.
+    QCOMPARE(FakeZylServer::applicationsCreated(), 1);
+    QCOMPARE(FakeZylServer::journal().last(), QStringLiteral("call Application.Quit()"));
+    // A missing file is never sent to the server.
+    const int opensSent = secondExists ? 3 : 2;
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Documents.Open")).size(), opensSent);
+    const int opened = opensSent - (failingMember == QLatin1String("Open") ? 1 : 0);
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Document.Close")).size(), opened);
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Document.Save")).isEmpty());
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Document.SaveAs2")).isEmpty());
+}
+
+void tst_VSMZylInfoProvider::protectedDocumentIsClosedUnsaved()
+{
+    const QString path = document(QStringLiteral("locked.docx"), 3);
+    FakeZylServer::setProtection(QStringLiteral("locked.docx"), 2);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    provider.start({path});
+    QTRY_COMPARE(log.entries().size(), 2);
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("locked.docx fail 0"),
+                                         QStringLiteral("finished true [locked.docx]")}));
+    QTRY_VERIFY(!provider.worker());
+    QCOMPARE(FakeZylServer::journal(),
+             QStringList({QStringLiteral("get Application.Documents()"),
+                          QStringLiteral("call Documents.Open(bstr:%1)").arg(path),
+                          QStringLiteral("get Document.ProtectionType()"),
+                          QStringLiteral("call Document.Close(i4:0)"),
+                          QStringLiteral("call Application.Quit()")}));
+}
+
+void tst_VSMZylInfoProvider::serverCannotBeCreated()
+{
+    FakeZylServer::failCreation(E_ACCESSDENIED);
+    const QStringList files{document(QStringLiteral("a.docx"), 2), document(QStringLiteral("b.docx"), 2)};
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    provider.start(files);
+    QTRY_VERIFY(!provider.worker());
+    QCoreApplication::processEvents();
+    QCOMPARE(log.entries(), QStringList{QStringLiteral("finished false [a.docx,b.docx]")});
+    QVERIFY(FakeZylServer::journal().isEmpty());
+}
+
+void tst_VSMZylInfoProvider::cancelRightAfterStart()
+{
+    const QStringList files{document(QStringLiteral("a.docx"), 2), document(QStringLiteral("b.docx"), 3)};
+    FakeZylServer::blockAt(QStringLiteral("CreateInstance"), 1);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    QSignalSpy canceled(&provider, &VSMInfoProvider::canceled);
+    QVERIFY(canceled.isValid());
+    provider.start(files);
+    provider.cancel();
+
+    QCOMPARE(canceled.count(), 1);
+    QStringList settled = log.entries();
+    QCOMPARE(settled.size(), 3);
+    QCOMPARE(settled.last(), QStringLiteral("finished true [a.docx,b.docx]"));
+    settled.removeLast();
+    settled.sort(); // the reported map decides the order
+    QCOMPARE(settled, QStringList({QStringLiteral("a.docx fail 0"), QStringLiteral("b.docx fail 0")}));
+
+    // The worker still starts and quits the server, but nothing more reaches the page.
+    QVERIFY(FakeZylServer::waitUntilBlocked(10000));
+    FakeZylServer::release();
+    QTRY_VERIFY(!provider.worker());
+    QCoreApplication::processEvents();
+    QCOMPARE(log.entries().size(), 3);
+    QCOMPARE(FakeZylServer::journal(), QStringList{QStringLiteral("call Application.Quit()")});
+}
+
+void tst_VSMZylInfoProvider::cancelTwiceReportsAgain()
+{
+    const QStringList files{document(QStringLiteral("a.docx"), 2)};
+    FakeZylServer::blockAt(QStringLiteral("CreateInstance"), 1);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    provider.start(files);
+    provider.cancel();
+    provider.cancel();
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("a.docx fail 0"), QStringLiteral("finished true [a.docx]"),
+                                         QStringLiteral("a.docx fail 0"), QStringLiteral("finished true [a.docx]")}));
+}
+
+void tst_VSMZylInfoProvider::cancelMidwayReportsTheRest()
+{
+    const QStringList files{document(QStringLiteral("a.docx"), 2), document(QStringLiteral("b.docx"), 3),
+                            document(QStringLiteral("c.docx"), 5)};
+    FakeZylServer::blockAt(QStringLiteral("Open"), 2);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    provider.start(files);
+    QVERIFY(FakeZylServer::waitUntilBlocked(10000));
+    QTRY_COMPARE(log.entries(), QStringList{QStringLiteral("a.docx ok 2")});
+
+    provider.cancel();
+    QStringList entries = log.entries();
+    QCOMPARE(entries.size(), 4);
+    QCOMPARE(entries.takeFirst(), QStringLiteral("a.docx ok 2"));
+    QCOMPARE(entries.takeLast(), QStringLiteral("finished true [a.docx,b.docx,c.docx]"));
+    entries.sort();
+    QCOMPARE(entries, QStringList({QStringLiteral("b.docx fail 0"), QStringLiteral("c.docx fail 0")}));
+
+    // The file being counted when the cancel came is dropped, the third is never opened.
+    FakeZylServer::release();
+    QTRY_VERIFY(!provider.worker());
+    QCoreApplication::processEvents();
+    QCOMPARE(log.entries().size(), 4);
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Documents.Open")).size(), 2);
+    QCOMPARE(FakeZylServer::journal().last(), QStringLiteral("call Application.Quit()"));
+}
+
+void tst_VSMZylInfoProvider::duplicatePathsHaveOneEntry()
+{
+    const QString a = document(QStringLiteral("a.docx"), 2);
+    const QString b = document(QStringLiteral("b.docx"), 1);
+
+    {
+        // The worker counts each occurrence.
+        VSMZylInfoProvider provider;
+        ProviderLog log(&provider);
+        provider.start({a, b, a});
+        QTRY_COMPARE(log.entries().size(), 4);
+        QCOMPARE(log.entries(), QStringList({QStringLiteral("a.docx ok 2"), QStringLiteral("b.docx ok 1"),
+                                             QStringLiteral("a.docx ok 2"),
+                                             QStringLiteral("finished true [a.docx,b.docx,a.docx]")}));
+        QTRY_VERIFY(!provider.worker());
+    }
+    {
+        // A cancel settles each distinct path once.
+        FakeZylServer::blockAt(QStringLiteral("CreateInstance"), 1);
+        VSMZylInfoProvider provider;
+        ProviderLog log(&provider);
+        provider.start({a, b, a});
+        provider.cancel();
+        QStringList entries = log.entries();
+        QCOMPARE(entries.takeLast(), QStringLiteral("finished true [a.docx,b.docx,a.docx]"));
+        entries.sort();
+        QCOMPARE(entries, QStringList({QStringLiteral("a.docx fail 0"), QStringLiteral("b.docx fail 0")}));
+        FakeZylServer::release();
+        QTRY_VERIFY(!provider.worker());
+    }
+}
+
+void tst_VSMZylInfoProvider::secondStartKeepsTheFirstRunning()
+{
+    const QString a = document(QStringLiteral("a.docx"), 2);
+    const QString b = document(QStringLiteral("b.docx"), 3);
+    FakeZylServer::blockAt(QStringLiteral("CreateInstance"), 1);
+
+    VSMZylInfoProvider provider;
+    ProviderLog log(&provider);
+    provider.start({a});
+    QVERIFY(FakeZylServer::waitUntilBlocked(10000));
+    provider.start({b});
+    QTRY_COMPARE(log.entries().size(), 2);
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("b.docx ok 3"), QStringLiteral("finished true [b.docx]")}));
+    FakeZylServer::release();
+    QTRY_COMPARE(log.entries().size(), 4);
+    QCOMPARE(log.entries().mid(2), QStringList({QStringLiteral("a.docx ok 2"), QStringLiteral("finished true [a.docx]")}));
+    QCOMPARE(FakeZylServer::applicationsCreated(), 2);
+}
+
+QTEST_GUILESS_MAIN(tst_VSMZylInfoProvider)
+#include "tst_vsmzylinfoprovider.moc"
