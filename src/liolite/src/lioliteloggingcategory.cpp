@@ -1,0 +1,3 @@
+#include "lioliteloggingcategory.h"
+
+Q_LOGGING_CATEGORY(lcLiolite, "liolite", QtWarningMsg)

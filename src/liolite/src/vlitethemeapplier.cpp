@@ -1,0 +1,66 @@
+#include "vlitethemeapplier.h"
+
+#include <liolite/vdrawhelper.h>
+#include <liolite/vlitestyle.h>
+#include <liolite/vlitethemenotifier.h>
+
+#include "vlitethemestore.h"
+
+#include <QStyle>
+#include <QVariant>
+#include <QWidget>
+
+namespace {
+
+const char* const FollowingProperty = "_liolite_following_theme";
+const char* const AppliedProperty = "_liolite_theme_applied";
+
+void setSheet(QWidget* widget, const QString& themeClass)
+{
+    const QString sheet = VLiteThemeStore::scalePixelSizes(
+        VLiteThemeStore::instance()->styleSheet(themeClass), VLiteStyle::dpi());
+    if (widget->styleSheet() != sheet) {
+        widget->setStyleSheet(sheet);
+    } else {
+        // Same sheet text, but the property may have changed: selectors must be matched again.
+        widget->style()->unpolish(widget);
+        widget->style()->polish(widget);
+    }
+}
+
+} // namespace
+
+void VLiteThemeApplier::apply(QWidget* widget, const QString& themeClass, bool cascade)
+{
+    if (!widget)
+        return;
+    widget->setProperty(VDrawHelper::ObjectThemeClassName, themeClass);
+    if (cascade) {
+        const auto children = widget->findChildren<QWidget*>();
+        for (QWidget* child : children) {
+            if (VDrawHelper::getObjectThemeClassName(child).isEmpty())
+                child->setProperty(VDrawHelper::ObjectThemeClassName, themeClass);
+        }
+    }
+    widget->setProperty(AppliedProperty, true);
+    setSheet(widget, themeClass);
+    follow(widget);
+    widget->update();
+}
+
+void VLiteThemeApplier::reapply(QWidget* widget)
+{
+    const QString themeClass = VDrawHelper::getObjectThemeClassName(widget);
+    if (widget->property(AppliedProperty).toBool() && !themeClass.isEmpty())
+        setSheet(widget, themeClass);
+    widget->update();
+}
+
+void VLiteThemeApplier::follow(QWidget* widget)
+{
+    if (widget->property(FollowingProperty).toBool())
+        return;
+    widget->setProperty(FollowingProperty, true);
+    QObject::connect(VLiteStyle::notifier(), &VLiteThemeNotifier::themeChanged, widget,
+                     [widget] { reapply(widget); });
+}

@@ -1,0 +1,6 @@
+#include <liolite/vlitethemenotifier.h>
+
+VLiteThemeNotifier::VLiteThemeNotifier(QObject* parent)
+    : QObject(parent)
+{
+}
