@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QWidget>
+
+#include "vdocumentmerger_export.h"
+
+class QHBoxLayout;
+class VLiteButton;
+
+// The bar under the file area: the output options and the "start merge" button, which
+// starts disabled.
+class VDOCUMENTMERGER_EXPORT VMBottomOptionWidget : public QWidget {
+    Q_OBJECT
+public:
+    explicit VMBottomOptionWidget(QWidget *parent);
+
+    void setStartEnabled(bool enabled);
+
+signals:
+    // On every click of the enabled start button.
+    void sigStartMerger();
+
+private:
+    QHBoxLayout *m_layout = nullptr;
+    VLiteButton *m_startButton = nullptr;
+};

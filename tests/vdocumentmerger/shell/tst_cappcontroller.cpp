@@ -1,0 +1,252 @@
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "fakeappaccount.h"
+#include "fakeappcontainer.h"
+#include "fakemainwindow.h"
+#include "page/vmclientwidget.h"
+#include "shell/cappcontroller.h"
+#include "shell/pluginexports.h"
+#include "shell/usageevents.h"
+#include "shell/vmenv.h"
+
+namespace {
+
+const char childModeVariable[] = "TST_CAPPCONTROLLER_CHILD";
+
+// Leaves a working file behind as a failed merge would, then lets the application object
+// end, which takes the controller with it.
+int runChildShutdown(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (!CAppController::instance())
+        return 2;
+    QFile leftover(VMEnv::workFilePath(QStringLiteral("left"), QStringLiteral("docx"), 1));
+    if (!leftover.open(QIODevice::WriteOnly))
+        return 3;
+    leftover.write("partial");
+    leftover.close();
+    VMEnv::instance()->setLocation(1);
+    return 0;
+}
+
+} // namespace
+
+class tst_CAppController : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Runs first: nothing has been initialised yet.
+    void createClientWidgetBeforeInitialize();
+
+    void controllerIsChildOfApplication();
+    void initializeRejects_data();
+    void initializeRejects();
+    void initializeAccepts();
+    void initializeTwiceSubscribesTwice();
+    void skinChangeRelayed();
+    void destroyForgetsContainerOnly();
+    void eventsAfterDestroyReachNothing();
+    void tempRootRemovedWhenControllerDeleted();
+    void tempRootRemovedAtApplicationShutdown();
+};
+
+void tst_CAppController::createClientWidgetBeforeInitialize()
+{
+    QVERIFY(!appController());
+    QWidget host;
+    QWidget *client = CreateClientWidget(&host);
+    QVERIFY(client);
+    QCOMPARE(client->parent(), &host);
+    QVERIFY(qobject_cast<VMClientWidget *>(client));
+    QVERIFY(appController());
+    QVERIFY(!appController()->container());
+
+    // Showing it posts nowhere and must not fail.
+    host.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&host));
+    QVERIFY(client->isVisible());
+    sendClickEvent({{QStringLiteral("type"), QStringLiteral("addfile")}});
+}
+
+void tst_CAppController::controllerIsChildOfApplication()
+{
+    CAppController *controller = CAppController::instance();
+    QVERIFY(controller);
+    QCOMPARE(CAppController::instance(), controller);
+    QCOMPARE(controller->parent(), QCoreApplication::instance());
+    QCOMPARE(appController(), static_cast<IAppController *>(controller));
+}
+
+void tst_CAppController::initializeRejects_data()
+{
+    QTest::addColumn<int>("mainWindowKind");
+    QTest::newRow("null_container") << -1;
+    QTest::newRow("container_without_main_window") << 0;
+    QTest::newRow("main_window_of_another_class") << 1;
+}
+
+void tst_CAppController::initializeRejects()
+{
+    QFETCH(int, mainWindowKind);
+
+    FakeAppContainer app;
+    FakeAppContainer foreignWindow;
+    if (mainWindowKind == 1)
+        app.setMainWindow(&foreignWindow);
+    CAppController *controller = CAppController::instance();
+    QVERIFY(controller->uninitialize());
+
+    QVERIFY(!Initialize(mainWindowKind < 0 ? nullptr : &app));
+    QVERIFY(!controller->container());
+    QVERIFY(app.subscriptions().isEmpty());
+    QVERIFY(foreignWindow.subscriptions().isEmpty());
+    QVERIFY(Destroy());
+}
+
+void tst_CAppController::initializeAccepts()
+{
+    FakeAppContainer app;
+    FakeAppAccount account;
+    app.setAccount(&account);
+    FakeMainWindow window(&app);
+
+    QVERIFY(Initialize(&app));
+    CAppController *controller = CAppController::instance();
+    QCOMPARE(controller->container(), &app);
+    QCOMPARE(controller->mainWindow(), &window);
+    QCOMPARE(controller->account(), &account);
+    QCOMPARE(app.subscriptions().size(), 1);
+    QCOMPARE(app.subscriptions().at(0).notification, QStringLiteral("SkinChanged"));
+    QCOMPARE(app.subscriptions().at(0).receiver.data(), controller);
+    QCOMPARE(app.subscriptions().at(0).slot, QByteArray("onSkinChanged"));
+    QVERIFY(Destroy());
+}
+
+void tst_CAppController::initializeTwiceSubscribesTwice()
+{
+    FakeAppContainer first;
+    FakeMainWindow firstWindow(&first);
+    FakeAppContainer second;
+    FakeMainWindow secondWindow(&second);
+
+    QVERIFY(Initialize(&first));
+    QVERIFY(Initialize(&second));
+    QCOMPARE(CAppController::instance()->container(), &second);
+    QCOMPARE(CAppController::instance()->mainWindow(), &secondWindow);
+    QCOMPARE(first.subscriptions().size(), 1);
+    QCOMPARE(second.subscriptions().size(), 1);
+    QVERIFY(Destroy());
+}
+
+void tst_CAppController::skinChangeRelayed()
+{
+    FakeAppContainer app;
+    FakeMainWindow window(&app);
+    QVERIFY(Initialize(&app));
+
+    QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
+    QVERIFY(spy.isValid());
+    QCOMPARE(app.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(app.notify(QStringLiteral("SecondInstance"), QVariantMap()), 0);
+    QCOMPARE(spy.count(), 2);
+    QVERIFY(Destroy());
+}
+
+void tst_CAppController::destroyForgetsContainerOnly()
+{
+    FakeAppContainer app;
+    FakeAppAccount account;
+    app.setAccount(&account);
+    FakeMainWindow window(&app);
+    QVERIFY(Initialize(&app));
+
+    QVERIFY(Destroy());
+    CAppController *controller = CAppController::instance();
+    QVERIFY(!controller->container());
+    QVERIFY(!controller->account());
+    QCOMPARE(controller->mainWindow(), &window);
+    QVERIFY(Destroy());
+}
+
+void tst_CAppController::eventsAfterDestroyReachNothing()
+{
+    FakeAppContainer app;
+    FakeMainWindow window(&app);
+    QVERIFY(Initialize(&app));
+    sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
+    QCOMPARE(app.events().size(), 1);
+
+    QVERIFY(Destroy());
+    sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
+    sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
+    sendUsageEvent(QStringLiteral("vas_wordmerge_export"), {});
+
+    QWidget host;
+    QWidget *client = CreateClientWidget(&host);
+    QVERIFY(client);
+    host.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&host));
+    QCOMPARE(app.events().size(), 1);
+}
+
+void tst_CAppController::tempRootRemovedWhenControllerDeleted()
+{
+    CAppController *controller = CAppController::instance();
+    QVERIFY(controller);
+    const QString nested = VMEnv::workFilePath(QStringLiteral("a"), QStringLiteral("docx"), 1);
+    QFile file(nested);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QVERIFY(QDir().mkpath(VMEnv::tempRoot() + QStringLiteral("/misc/deeper/still")));
+    VMEnv::instance()->setOutputName(QStringLiteral("kept until shutdown"));
+    QVERIFY(QFileInfo(VMEnv::tempRoot()).isDir());
+
+    delete controller;
+    QVERIFY(!QFileInfo::exists(VMEnv::tempRoot()));
+    QVERIFY(!appController());
+    QVERIFY(VMEnv::instance()->outputName().isEmpty());
+    VMEnv::releaseInstance();
+
+    // A later call starts a fresh controller under the application object.
+    QVERIFY(CAppController::instance());
+    QCOMPARE(CAppController::instance()->parent(), QCoreApplication::instance());
+}
+
+void tst_CAppController::tempRootRemovedAtApplicationShutdown()
+{
+    QTemporaryDir tmp;
+    QVERIFY(tmp.isValid());
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QString::fromLatin1(childModeVariable), QStringLiteral("1"));
+    env.insert(QStringLiteral("TMPDIR"), tmp.path());
+    child.setProcessEnvironment(env);
+    child.start(QCoreApplication::applicationFilePath(), QStringList());
+    QVERIFY(child.waitForFinished(30000));
+    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(child.exitCode(), 0);
+    QVERIFY(QFileInfo(tmp.path()).isDir());
+    QVERIFY2(!QFileInfo::exists(tmp.path() + QStringLiteral("/vdocumentmerger")),
+             "the working tree outlived the application");
+}
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsSet(childModeVariable))
+        return runChildShutdown(argc, argv);
+    QApplication app(argc, argv);
+    tst_CAppController test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_cappcontroller.moc"

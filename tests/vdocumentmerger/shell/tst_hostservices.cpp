@@ -1,0 +1,78 @@
+#include <QtTest>
+
+#include "fakeappaccount.h"
+#include "fakeappcontainer.h"
+#include "fakemainwindow.h"
+#include "shell/cappcontroller.h"
+#include "shell/hostservices.h"
+#include "shell/pluginexports.h"
+
+class tst_HostServices : public QObject {
+    Q_OBJECT
+
+private slots:
+    void emptyWithoutController();
+    void answers_data();
+    void answers();
+};
+
+void tst_HostServices::emptyWithoutController()
+{
+    QVERIFY(!appController());
+    QVERIFY(!isLoggedIn());
+    QVERIFY(userId().isEmpty());
+    QVERIFY(startSource().isEmpty());
+    requestLogin();
+    QVERIFY(!appController());
+}
+
+void tst_HostServices::answers_data()
+{
+    QTest::addColumn<bool>("initialized");
+    QTest::addColumn<bool>("withAccount");
+    QTest::addColumn<bool>("loggedIn");
+    QTest::addColumn<bool>("expectLoggedIn");
+    QTest::addColumn<QString>("expectUserId");
+    QTest::addColumn<QString>("expectSource");
+    QTest::addColumn<int>("expectLoginCalls");
+
+    QTest::newRow("controller_without_container") << false << true << true << false << "" << "" << 0;
+    QTest::newRow("container_without_account") << true << false << false << false << "" << "cmdline" << 0;
+    QTest::newRow("signed_out_asks_for_login") << true << true << false << false << "u-42" << "cmdline" << 1;
+    QTest::newRow("signed_in_no_login_call") << true << true << true << true << "u-42" << "cmdline" << 0;
+}
+
+void tst_HostServices::answers()
+{
+    QFETCH(bool, initialized);
+    QFETCH(bool, withAccount);
+    QFETCH(bool, loggedIn);
+    QFETCH(bool, expectLoggedIn);
+    QFETCH(QString, expectUserId);
+    QFETCH(QString, expectSource);
+    QFETCH(int, expectLoginCalls);
+
+    FakeAppContainer app;
+    FakeMainWindow window(&app);
+    FakeAppAccount account;
+    account.setLoggedIn(loggedIn);
+    account.setUserId(QStringLiteral("u-42"));
+    if (withAccount)
+        app.setAccount(&account);
+    app.setStartSource(QStringLiteral("cmdline"));
+    QVERIFY(CAppController::instance());
+    if (initialized)
+        QVERIFY(Initialize(&app));
+    auto forget = qScopeGuard([] { Destroy(); });
+
+    QCOMPARE(isLoggedIn(), expectLoggedIn);
+    QCOMPARE(userId(), expectUserId);
+    QCOMPARE(startSource(), expectSource);
+    requestLogin();
+    QCOMPARE(account.loginCalls().size(), expectLoginCalls);
+    if (expectLoginCalls > 0)
+        QVERIFY(account.loginCalls().constFirst().isEmpty());
+}
+
+QTEST_MAIN(tst_HostServices)
+#include "tst_hostservices.moc"

@@ -1,0 +1,113 @@
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+#include "fakeappcontainer.h"
+#include "fakemainwindow.h"
+#include "shell/cappcontroller.h"
+#include "shell/pluginexports.h"
+#include "shell/vmcontentskindlg.h"
+
+namespace {
+
+// Counts the restyles the base class is asked for, and still performs them.
+class CountingSkinDlg : public VMContentSkinDlg {
+public:
+    using VMContentSkinDlg::VMContentSkinDlg;
+    int restyles = 0;
+
+protected:
+    void changeStyle() override
+    {
+        ++restyles;
+        VMContentSkinDlg::changeStyle();
+    }
+};
+
+} // namespace
+
+class tst_VMContentSkinDlg : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void restylesOpenDialog();
+    void restylesDuringExec();
+    void closedDialogIsLeftAlone();
+    void everyOpenDialogFollows();
+
+private:
+    FakeAppContainer m_app;
+    FakeMainWindow *m_window = nullptr;
+};
+
+void tst_VMContentSkinDlg::initTestCase()
+{
+    m_window = new FakeMainWindow(&m_app);
+    QVERIFY(Initialize(&m_app));
+}
+
+void tst_VMContentSkinDlg::cleanupTestCase()
+{
+    QVERIFY(Destroy());
+    delete m_window;
+}
+
+void tst_VMContentSkinDlg::restylesOpenDialog()
+{
+    CountingSkinDlg dlg(nullptr, VLiteContentDlg::IconType(0));
+    dlg.setTitle(QStringLiteral("Tips"));
+    dlg.setContent(QStringLiteral("The document does not exist. It may be removed or renamed"));
+    dlg.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+    const int before = dlg.restyles;
+
+    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
+    QCOMPARE(dlg.restyles, before + 1);
+    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(dlg.restyles, before + 2);
+}
+
+void tst_VMContentSkinDlg::restylesDuringExec()
+{
+    CountingSkinDlg dlg(nullptr, VLiteContentDlg::IconType(3));
+    int restylesSeenInside = -1;
+    QTimer::singleShot(0, &dlg, [&] {
+        const int before = dlg.restyles;
+        m_app.notify(QStringLiteral("SkinChanged"), QVariantMap());
+        restylesSeenInside = dlg.restyles - before;
+        dlg.done(2);
+    });
+    QCOMPARE(dlg.exec(), 2);
+    QCOMPARE(restylesSeenInside, 1);
+}
+
+void tst_VMContentSkinDlg::closedDialogIsLeftAlone()
+{
+    QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
+    QVERIFY(spy.isValid());
+    QPointer<CountingSkinDlg> dlg = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
+    dlg->show();
+    delete dlg;
+    QVERIFY(dlg.isNull());
+    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(spy.count(), 1);
+}
+
+void tst_VMContentSkinDlg::everyOpenDialogFollows()
+{
+    QWidget owner;
+    auto *first = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(0));
+    auto *second = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(3));
+    const int firstBefore = first->restyles;
+    const int secondBefore = second->restyles;
+    m_app.notify(QStringLiteral("SkinChanged"), QVariantMap());
+    QCOMPARE(first->restyles, firstBefore + 1);
+    QCOMPARE(second->restyles, secondBefore + 1);
+}
+
+QTEST_MAIN(tst_VMContentSkinDlg)
+#include "tst_vmcontentskindlg.moc"

@@ -1,0 +1,244 @@
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "shell/vmenv.h"
+
+class tst_VMEnv : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanupTestCase();
+
+    void workFilePath_data();
+    void workFilePath();
+    void workFilePathCountsOnPastGaps();
+    void workFilePathSeesFoldersAsTaken();
+    void workFolderByKind_data();
+    void workFolderByKind();
+    void workCopyPath();
+    void tempRootFollowsSystemTemp();
+
+    void removeDirRecursively_data();
+    void removeDirRecursively();
+    void removeDirRecursivelyKeepsLinkTargets();
+    void removeDirRecursivelyMissing();
+
+    void showInExplorerMissing_data();
+    void showInExplorerMissing();
+
+    void settingsStartFromDefaults();
+
+private:
+    static QString mergeDest() { return VMEnv::tempRoot() + QStringLiteral("/mergedest"); }
+    static void touch(const QString &path)
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(path).absolutePath()));
+        QFile f(path);
+        QVERIFY2(f.open(QIODevice::WriteOnly), qPrintable(path));
+        f.write("x");
+    }
+};
+
+void tst_VMEnv::init()
+{
+    VMEnv::removeDirRecursively(VMEnv::tempRoot());
+    QVERIFY(!QFileInfo::exists(VMEnv::tempRoot()));
+}
+
+void tst_VMEnv::cleanupTestCase()
+{
+    VMEnv::removeDirRecursively(VMEnv::tempRoot());
+}
+
+void tst_VMEnv::workFilePath_data()
+{
+    QTest::addColumn<QStringList>("existing");
+    QTest::addColumn<QString>("expectedName");
+
+    const QString stem = QStringLiteral("Report_20240305091530");
+    QTest::newRow("empty_folder_gets_plain_name") << QStringList() << stem + ".docx";
+    QTest::newRow("plain_taken_gets_1") << QStringList{stem + ".docx"} << stem + "(1).docx";
+    QTest::newRow("plain_and_1_taken_gets_2")
+        << QStringList{stem + ".docx", stem + "(1).docx"} << stem + "(2).docx";
+    QTest::newRow("other_suffix_does_not_collide") << QStringList{stem + ".doc"} << stem + ".docx";
+    QTest::newRow("other_second_does_not_collide")
+        << QStringList{QStringLiteral("Report_20240305091529.docx")} << stem + ".docx";
+}
+
+void tst_VMEnv::workFilePath()
+{
+    QFETCH(QStringList, existing);
+    QFETCH(QString, expectedName);
+
+    for (const QString &name : existing)
+        touch(mergeDest() + '/' + name);
+
+    const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
+    const QString path = VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at);
+    QCOMPARE(path, mergeDest() + '/' + expectedName);
+    QVERIFY(!QFileInfo::exists(path));
+    for (const QString &name : existing)
+        QVERIFY2(QFileInfo::exists(mergeDest() + '/' + name), "an existing working file was touched");
+}
+
+void tst_VMEnv::workFilePathCountsOnPastGaps()
+{
+    // Only "(2)" exists: the plain name is free and wins.
+    const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
+    touch(mergeDest() + QStringLiteral("/Report_20240305091530(2).docx"));
+    QCOMPARE(VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at),
+             mergeDest() + QStringLiteral("/Report_20240305091530.docx"));
+}
+
+void tst_VMEnv::workFilePathSeesFoldersAsTaken()
+{
+    const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
+    QVERIFY(QDir().mkpath(mergeDest() + QStringLiteral("/Report_20240305091530.docx")));
+    QCOMPARE(VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at),
+             mergeDest() + QStringLiteral("/Report_20240305091530(1).docx"));
+}
+
+void tst_VMEnv::workFolderByKind_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("folder");
+
+    QTest::newRow("kind_0_handycopy") << 0 << "handycopy";
+    QTest::newRow("kind_1_tempsplit") << 1 << "tempsplit";
+    QTest::newRow("kind_2_mergedest") << 2 << "mergedest";
+    QTest::newRow("kind_3_misc") << 3 << "misc";
+    QTest::newRow("kind_7_misc") << 7 << "misc";
+    QTest::newRow("kind_negative_misc") << -1 << "misc";
+}
+
+void tst_VMEnv::workFolderByKind()
+{
+    QFETCH(int, kind);
+    QFETCH(QString, folder);
+
+    const QString path = VMEnv::workFilePath(QStringLiteral("a b"), QStringLiteral("zyl"), kind);
+    const QFileInfo info(path);
+    QCOMPARE(info.absolutePath(), VMEnv::tempRoot() + '/' + folder);
+    QVERIFY2(QFileInfo(info.absolutePath()).isDir(), "the working folder was not created");
+    QVERIFY(info.fileName().startsWith(QStringLiteral("a b_")));
+    QVERIFY(info.fileName().endsWith(QStringLiteral(".zyl")));
+    // "a b_" + 14 digits + ".zyl"
+    QCOMPARE(info.fileName().size(), 4 + 14 + 4);
+}
+
+void tst_VMEnv::workCopyPath()
+{
+    const QString path = VMEnv::workCopyPath(QStringLiteral("/somewhere/else/My.report.v2.docx"), 1);
+    const QFileInfo info(QDir::fromNativeSeparators(path));
+    QCOMPARE(path, QDir::toNativeSeparators(path));
+    QCOMPARE(info.absolutePath(), VMEnv::tempRoot() + QStringLiteral("/tempsplit"));
+    QVERIFY(info.fileName().startsWith(QStringLiteral("My.report.v2_")));
+    QCOMPARE(info.suffix(), QStringLiteral("docx"));
+    QVERIFY(!info.exists());
+}
+
+void tst_VMEnv::tempRootFollowsSystemTemp()
+{
+    QCOMPARE(VMEnv::tempRoot(), QDir::tempPath() + QStringLiteral("/vdocumentmerger"));
+}
+
+void tst_VMEnv::removeDirRecursively_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("folders");
+
+    QTest::newRow("empty_folder") << QStringList() << QStringList();
+    QTest::newRow("flat_files") << QStringList{"a.docx", "b.doc"} << QStringList();
+    QTest::newRow("nested_three_levels")
+        << QStringList{"a.docx", "x/b.doc", "x/y/c.zyl", "x/y/z/d.txt"} << QStringList{"x/y/z/empty"};
+    QTest::newRow("hidden_lock_file") << QStringList{"tempsplit/.~lock.a.docx#", "tempsplit/a.docx"}
+                                      << QStringList{".hidden"};
+}
+
+void tst_VMEnv::removeDirRecursively()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, folders);
+
+    QTemporaryDir base;
+    QVERIFY(base.isValid());
+    const QString root = base.filePath(QStringLiteral("victim"));
+    QVERIFY(QDir().mkpath(root));
+    for (const QString &f : files)
+        touch(root + '/' + f);
+    for (const QString &d : folders)
+        QVERIFY(QDir().mkpath(root + '/' + d));
+    const QString sibling = base.filePath(QStringLiteral("sibling.docx"));
+    touch(sibling);
+
+    VMEnv::removeDirRecursively(root);
+    QVERIFY(!QFileInfo::exists(root));
+    QVERIFY2(QFileInfo::exists(sibling), "removal went beyond the folder");
+}
+
+void tst_VMEnv::removeDirRecursivelyKeepsLinkTargets()
+{
+    QTemporaryDir base;
+    QVERIFY(base.isValid());
+    const QString outside = base.filePath(QStringLiteral("documents/keep.docx"));
+    touch(outside);
+    const QString root = base.filePath(QStringLiteral("victim"));
+    QVERIFY(QDir().mkpath(root));
+    QVERIFY(QFile::link(base.filePath(QStringLiteral("documents")), root + QStringLiteral("/link")));
+
+    VMEnv::removeDirRecursively(root);
+    QVERIFY(!QFileInfo::exists(root));
+    QVERIFY2(QFileInfo::exists(outside), "a linked folder's content was deleted");
+}
+
+void tst_VMEnv::removeDirRecursivelyMissing()
+{
+    QTemporaryDir base;
+    QVERIFY(base.isValid());
+    const QString keep = base.filePath(QStringLiteral("keep.docx"));
+    touch(keep);
+    VMEnv::removeDirRecursively(base.filePath(QStringLiteral("missing")));
+    VMEnv::removeDirRecursively(QString());
+    QVERIFY(QFileInfo::exists(keep));
+    QVERIFY(QFileInfo(base.path()).isDir());
+}
+
+void tst_VMEnv::showInExplorerMissing_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("empty_path") << QString();
+    QTest::newRow("missing_file") << QDir::tempPath() + QStringLiteral("/no/such/file.docx");
+    QTest::newRow("missing_folder") << QDir::tempPath() + QStringLiteral("/no/such/folder/");
+}
+
+void tst_VMEnv::showInExplorerMissing()
+{
+    QFETCH(QString, path);
+    QVERIFY(!VMEnv::showInExplorer(path));
+}
+
+void tst_VMEnv::settingsStartFromDefaults()
+{
+    VMEnv *env = VMEnv::instance();
+    QVERIFY(env);
+    QCOMPARE(VMEnv::instance(), env);
+    env->setLocation(2);
+    env->setOutputName(QStringLiteral("out"));
+    VMEnv::releaseInstance();
+
+    // A fresh object after release: nothing of the old settings survives.
+    env = VMEnv::instance();
+    QCOMPARE(env->location(), 0);
+    QVERIFY(env->outputName().isEmpty());
+    QVERIFY(env->outputSuffix().isEmpty());
+    QVERIFY(env->customDir().isEmpty());
+    VMEnv::releaseInstance();
+}
+
+QTEST_GUILESS_MAIN(tst_VMEnv)
+#include "tst_vmenv.moc"

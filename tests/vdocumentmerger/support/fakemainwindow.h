@@ -1,0 +1,30 @@
+#pragma once
+
+#include "fakeappcontainer.h"
+#include "host/vappmainwindow.h"
+
+// A host main window that answers as a container by passing every call to the
+// application container it belongs to.
+class FakeMainWindow : public VAppMainWindow {
+public:
+    explicit FakeMainWindow(FakeAppContainer *app)
+        : m_app(app)
+    {
+        m_app->setMainWindow(this);
+    }
+
+    AppFrameWork::IVAppAccount *account() override { return m_app->account(); }
+    const AppFrameWork::VAppStartInfo *startInfo() override { return m_app->startInfo(); }
+    void postEvent(const QString &name, const QHash<QString, QString> &params) override
+    {
+        m_app->postEvent(name, params);
+    }
+    void subscribe(const QString &notification, QObject *receiver, const char *slot) override
+    {
+        m_app->subscribe(notification, receiver, slot);
+    }
+    AppFrameWork::IVAppContainer *mainWindow() override { return this; }
+
+private:
+    FakeAppContainer *m_app;
+};
