@@ -1,0 +1,6 @@
+#include "vapphostapplication.h"
+
+int main(int argc, char *argv[])
+{
+    return VAppHostApplication::run(argc, argv);
+}

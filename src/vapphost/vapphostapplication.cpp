@@ -1,0 +1,156 @@
+#include "vapphostapplication.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QTimer>
+
+#include <cstdio>
+
+#include "vappaddonloader.h"
+#include "vappcommandline.h"
+#include "vappcontainer.h"
+#include "vapphostwindow.h"
+#include "vapplogging.h"
+#include "vappsingleinstance.h"
+#include "vapptheme.h"
+
+namespace {
+
+void printError(const QString &text)
+{
+    std::fprintf(stderr, "vapphost: %s\n", qPrintable(text));
+    std::fflush(stderr);
+}
+
+bool hasDisplayEnvironment()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+           || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+bool isOnScreen()
+{
+    const QString platform = QGuiApplication::platformName();
+    return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
+}
+
+} // namespace
+
+int VAppHostApplication::run(int &argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+
+    VAppCommandLine commandLine;
+    if (!commandLine.parse(arguments)) {
+        printError(commandLine.errorString() + QStringLiteral("\nTry \"vapphost --help\"."));
+        return ExitUsage;
+    }
+    const VAppCommandLine::Options &options = commandLine.options();
+    if (options.helpRequested) {
+        std::fputs(qPrintable(VAppCommandLine::helpText(QFileInfo(arguments.first()).fileName())), stdout);
+        return ExitOk;
+    }
+
+    const bool timed = options.quitAfterMs >= 0;
+    if (!hasDisplayEnvironment()) {
+        if (!timed) {
+            printError(QStringLiteral("no display to show the window on (set DISPLAY, or use "
+                                      "--screenshot or --quit-after to run without one)"));
+            return ExitUsage;
+        }
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("vapphost"));
+    QApplication::setApplicationVersion(QStringLiteral(VAPPHOST_VERSION));
+    // The event loop must outlive the add-on's dialogs being closed.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // Screenshot runs stand alone: they neither hand over to nor serve later starts.
+    const bool screenshotRun = !options.screenshotPath.isEmpty();
+    QString serverName = options.serverName;
+    if (serverName.isEmpty())
+        serverName = QString::fromLocal8Bit(qgetenv("VAPPHOST_SERVER_NAME"));
+    if (serverName.isEmpty())
+        serverName = VAppSingleInstance::defaultServerName(VAppAccount::localUserName());
+    VAppSingleInstance instance(serverName);
+    if (!screenshotRun) {
+        if (instance.handOver(VAppSingleInstance::absolutePaths(options.files, QDir::currentPath()))) {
+            qCInfo(lcVAppHost) << "handed the files to the running host on" << serverName;
+            return ExitOk;
+        }
+        if (!instance.listen())
+            qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
+    }
+
+    if (options.scale > 0)
+        VAppTheme::setScale(options.scale);
+    VAppTheme::apply(options.theme);
+
+    VAppContainer container;
+    container.setStartInfo(options.source, options.files);
+    container.setUsageLogPath(options.usageLogPath.isEmpty() ? VAppUsageLog::defaultFilePath()
+                                                             : options.usageLogPath);
+    if (!options.signedOut)
+        container.hostAccount()->signIn(VAppAccount::localUserName());
+
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+
+    const QString addonPath = options.addonPath.isEmpty()
+                                  ? VAppCommandLine::defaultAddonPath(QCoreApplication::applicationDirPath())
+                                  : options.addonPath;
+    VAppAddonLoader addon;
+    if (!addon.load(addonPath)) {
+        printError(addon.errorString());
+        if (isOnScreen() && !screenshotRun)
+            QMessageBox::critical(nullptr, QObject::tr("Document Merger"), addon.errorString());
+        return ExitAddon;
+    }
+    if (!addon.initialize(&container))
+        qCWarning(lcVAppHost) << "the add-on did not accept the host; it runs without it";
+    window.setClientWidget(addon.createClientWidget(&window));
+
+    QObject::connect(&instance, &VAppSingleInstance::filesReceived, &window,
+                     [&container, &window](const QStringList &files) {
+                         if (!files.isEmpty())
+                             container.deliverSecondInstance(files);
+                         window.bringToFront();
+                     });
+    QObject::connect(&window, &VAppHostWindow::closing, &app, [&addon] {
+        addon.destroy();
+        QCoreApplication::quit();
+    });
+
+    window.show();
+
+    int exitCode = ExitOk;
+    if (timed) {
+        QTimer::singleShot(options.quitAfterMs, &window, [&] {
+            if (screenshotRun) {
+                const QPixmap shot = window.grab();
+                const QString target = QFileInfo(options.screenshotPath).absoluteFilePath();
+                QDir().mkpath(QFileInfo(target).absolutePath());
+                if (shot.isNull() || !shot.save(target, "PNG")) {
+                    printError(QStringLiteral("cannot save the screenshot to %1").arg(target));
+                    exitCode = ExitScreenshot;
+                } else {
+                    qCInfo(lcVAppHost) << "saved the screenshot to" << target;
+                }
+            }
+            window.close();
+            QCoreApplication::quit();
+        });
+    }
+
+    const int loopCode = app.exec();
+    addon.destroy();
+    return exitCode != ExitOk ? exitCode : loopCode;
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+#include "vapphost_export.h"
+
+VAPPHOST_EXPORT Q_DECLARE_LOGGING_CATEGORY(lcVAppHost)

@@ -1,0 +1,322 @@
+#include <QtTest>
+
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "vappaccount.h"
+
+// Runs the real host program; paths of the program and the stand-in libraries come from CMake.
+namespace {
+
+struct LoggedEvent {
+    QString name;
+    QVariantMap params;
+};
+
+QVector<LoggedEvent> readLog(const QString &path)
+{
+    QVector<LoggedEvent> events;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return events;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.isEmpty())
+            continue;
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
+        events.append({object.value("event").toString(), object.value("params").toObject().toVariantMap()});
+    }
+    return events;
+}
+
+QVector<LoggedEvent> eventsNamed(const QVector<LoggedEvent> &events, const QString &name)
+{
+    QVector<LoggedEvent> result;
+    for (const LoggedEvent &e : events) {
+        if (e.name == name)
+            result << e;
+    }
+    return result;
+}
+
+} // namespace
+
+class tst_VAppHostApplication : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void help();
+    void badCommandLine_data();
+    void badCommandLine();
+    void addonLoadFailure_data();
+    void addonLoadFailure();
+    void startRecordAndAccountReachAddon_data();
+    void startRecordAndAccountReachAddon();
+    void secondStartHandsFilesOver();
+    void screenshotSize_data();
+    void screenshotSize();
+    void screenshotUnwritable();
+    void screenshotWithRealAddon();
+
+private:
+    QProcess *startHost(const QStringList &args, const QString &workingDir = QString());
+    bool runHost(const QStringList &args, int *exitCode, QByteArray *out = nullptr,
+                 QByteArray *err = nullptr, int timeoutMs = 60000);
+
+    QTemporaryDir m_dir;
+    QString m_serverName;
+};
+
+void tst_VAppHostApplication::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QVERIFY2(QFileInfo::exists(VAPPHOST_EXE), VAPPHOST_EXE);
+    QVERIFY2(QFileInfo::exists(PROBE_ADDON), PROBE_ADDON);
+    m_serverName = m_dir.filePath(QStringLiteral("instance.sock"));
+}
+
+QProcess *tst_VAppHostApplication::startHost(const QStringList &args, const QString &workingDir)
+{
+    auto *process = new QProcess(this);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("VAPPHOST_SERVER_NAME"), m_serverName);
+    env.insert(QStringLiteral("XDG_STATE_HOME"), m_dir.filePath(QStringLiteral("state")));
+    process->setProcessEnvironment(env);
+    process->setWorkingDirectory(workingDir.isEmpty() ? m_dir.path() : workingDir);
+    process->start(QStringLiteral(VAPPHOST_EXE), args);
+    return process;
+}
+
+bool tst_VAppHostApplication::runHost(const QStringList &args, int *exitCode, QByteArray *out,
+                                      QByteArray *err, int timeoutMs)
+{
+    QScopedPointer<QProcess> process(startHost(args));
+    if (!process->waitForFinished(timeoutMs)) {
+        process->kill();
+        process->waitForFinished();
+        return false;
+    }
+    *exitCode = process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1;
+    if (out)
+        *out = process->readAllStandardOutput();
+    if (err)
+        *err = process->readAllStandardError();
+    return true;
+}
+
+void tst_VAppHostApplication::help()
+{
+    int code = -1;
+    QByteArray out;
+    QVERIFY(runHost({"--help"}, &code, &out));
+    QCOMPARE(code, 0);
+    for (const char *option : {"--src", "--signed-out", "--theme", "--scale", "--usage-log",
+                               "--screenshot", "--quit-after", "--addon"})
+        QVERIFY2(out.contains(option), option);
+}
+
+void tst_VAppHostApplication::badCommandLine_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QByteArray>("stderrMentions");
+    QTest::newRow("unknown_option") << QStringList{"--bogus"} << QByteArray("bogus");
+    QTest::newRow("unknown_theme") << QStringList{"--theme", "blue"} << QByteArray("blue");
+    QTest::newRow("bad_scale") << QStringList{"--scale", "huge"} << QByteArray("huge");
+}
+
+void tst_VAppHostApplication::badCommandLine()
+{
+    QFETCH(QStringList, args);
+    QFETCH(QByteArray, stderrMentions);
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost(args, &code, nullptr, &err));
+    QCOMPARE(code, 1);
+    QVERIFY2(err.contains(stderrMentions), err.constData());
+}
+
+void tst_VAppHostApplication::addonLoadFailure_data()
+{
+    QTest::addColumn<QString>("addon");
+    QTest::addColumn<QStringList>("stderrMentions");
+
+    QTest::newRow("missing_file") << "<dir>/nowhere/libvdocumentmerger.so"
+                                  << QStringList{"<dir>/nowhere/libvdocumentmerger.so", "does not exist"};
+    QTest::newRow("not_a_library") << "<dir>/garbage.so" << QStringList{"<dir>/garbage.so", "cannot load"};
+    QTest::newRow("no_entry_points")
+        << NOEXPORTS_ADDON << QStringList{NOEXPORTS_ADDON, "Initialize, CreateClientWidget, Destroy"};
+    QTest::newRow("destroy_missing") << PARTIAL_ADDON << QStringList{PARTIAL_ADDON, "export Destroy"};
+}
+
+void tst_VAppHostApplication::addonLoadFailure()
+{
+    QFETCH(QString, addon);
+    QFETCH(QStringList, stderrMentions);
+    addon.replace(QLatin1String("<dir>"), m_dir.path());
+    {
+        QFile garbage(m_dir.filePath("garbage.so"));
+        QVERIFY(garbage.open(QIODevice::WriteOnly));
+        garbage.write("this is text, not a shared library\n");
+    }
+    const QString log = m_dir.filePath(QStringLiteral("failure.jsonl"));
+    QFile::remove(log);
+
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost({"--addon", addon, "--usage-log", log, "--quit-after", "5000", "/some/a.docx"},
+                    &code, nullptr, &err));
+    QCOMPARE(code, 2);
+    for (QString mention : stderrMentions) {
+        mention.replace(QLatin1String("<dir>"), m_dir.path());
+        QVERIFY2(err.contains(mention.toLocal8Bit()), err.constData());
+    }
+    QVERIFY(readLog(log).isEmpty());
+}
+
+void tst_VAppHostApplication::startRecordAndAccountReachAddon_data()
+{
+    QTest::addColumn<QStringList>("extraArgs");
+    QTest::addColumn<QString>("src");
+    QTest::addColumn<QString>("filesJson");
+    QTest::addColumn<QString>("signedIn");
+    QTest::addColumn<bool>("localUser");
+
+    QTest::newRow("files_exactly_as_given_signed_in")
+        << QStringList{"--src", "desk", "rel/a.docx", "/abs/My|nbsp|Files/b.doc?from=desk"} << "desk"
+        << "[\"rel/a.docx\",\"/abs/My|nbsp|Files/b.doc?from=desk\"]" << "1" << true;
+    QTest::newRow("signed_out_without_files")
+        << QStringList{"--signed-out"} << "" << "[]" << "0" << false;
+    QTest::newRow("dark_theme_and_scale_accepted")
+        << QStringList{"--theme", "dark", "--scale", "1.25", "--src", "menu", "x.zyl"} << "menu"
+        << "[\"x.zyl\"]" << "1" << true;
+}
+
+void tst_VAppHostApplication::startRecordAndAccountReachAddon()
+{
+    QFETCH(QStringList, extraArgs);
+    QFETCH(QString, src);
+    QFETCH(QString, filesJson);
+    QFETCH(QString, signedIn);
+    QFETCH(bool, localUser);
+
+    const QString log = m_dir.filePath(QStringLiteral("%1.jsonl").arg(QTest::currentDataTag()));
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost(QStringList{"--addon", PROBE_ADDON, "--usage-log", log, "--quit-after", "200"}
+                        + extraArgs,
+                    &code, nullptr, &err));
+    QVERIFY2(code == 0, err.constData());
+
+    const QVector<LoggedEvent> events = readLog(log);
+    QVERIFY(events.size() >= 2);
+    QCOMPARE(events.first().name, QStringLiteral("probe_initialize"));
+    const QVariantMap init = events.first().params;
+    QCOMPARE(init.value("main_window").toString(), QStringLiteral("VAppMainWindow"));
+    QCOMPARE(init.value("src").toString(), src);
+    QCOMPARE(init.value("files").toString(), filesJson);
+    QCOMPARE(init.value("signed_in").toString(), signedIn);
+    QCOMPARE(init.value("user_id").toString(), localUser ? VAppAccount::localUserName() : QString());
+    QCOMPARE(events.last().name, QStringLiteral("probe_destroy"));
+    QCOMPARE(eventsNamed(events, "probe_destroy").size(), 1);
+    QCOMPARE(eventsNamed(events, "probe_skin_changed").size(), 0);
+}
+
+void tst_VAppHostApplication::secondStartHandsFilesOver()
+{
+    const QString log = m_dir.filePath(QStringLiteral("second.jsonl"));
+    QScopedPointer<QProcess> first(startHost({"--addon", PROBE_ADDON, "--usage-log", log,
+                                              "--quit-after", "60000", "/first/start.docx"}));
+    auto stopFirst = qScopeGuard([&first] {
+        first->terminate();
+        if (!first->waitForFinished(5000)) {
+            first->kill();
+            first->waitForFinished();
+        }
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(!eventsNamed(readLog(log), "probe_initialize").isEmpty(), 30000);
+
+    QTemporaryDir elsewhere;
+    QScopedPointer<QProcess> second(startHost({"--addon", PROBE_ADDON, "--usage-log", log,
+                                               "rel dir/b.doc", "/abs/c|nbsp|d.zyl?x=1"},
+                                              elsewhere.path()));
+    QVERIFY(second->waitForFinished(30000));
+    QCOMPARE(second->exitStatus(), QProcess::NormalExit);
+    QVERIFY2(second->exitCode() == 0, second->readAllStandardError().constData());
+
+    QTRY_COMPARE_WITH_TIMEOUT(eventsNamed(readLog(log), "probe_second_instance").size(), 1, 10000);
+    const QVector<LoggedEvent> events = readLog(log);
+    const QVariantMap params = eventsNamed(events, "probe_second_instance").first().params;
+    QCOMPARE(params.keys(), QStringList{"args"});
+    QCOMPARE(params.value("args").toString(),
+             QStringLiteral("{\"file\":\"%1/rel dir/b.doc|/abs/c|nbsp|d.zyl?x=1\"}").arg(elsewhere.path()));
+    // The second start never loaded the add-on itself.
+    QCOMPARE(eventsNamed(events, "probe_initialize").size(), 1);
+    QCOMPARE(first->state(), QProcess::Running);
+}
+
+void tst_VAppHostApplication::screenshotSize_data()
+{
+    QTest::addColumn<QString>("scale");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("scale_1") << "1" << QSize(1100, 720);
+    QTest::newRow("scale_1_25") << "1.25" << QSize(1375, 900);
+}
+
+void tst_VAppHostApplication::screenshotSize()
+{
+    QFETCH(QString, scale);
+    QFETCH(QSize, size);
+    const QString shot = m_dir.filePath(QStringLiteral("shots/%1.png").arg(QTest::currentDataTag()));
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost({"--addon", PROBE_ADDON, "--usage-log", m_dir.filePath("shot.jsonl"), "--scale",
+                     scale, "--screenshot", shot, "--quit-after", "100"},
+                    &code, nullptr, &err));
+    QVERIFY2(code == 0, err.constData());
+    const QImage image(shot, "PNG");
+    QVERIFY(!image.isNull());
+    QCOMPARE(image.size(), size);
+}
+
+void tst_VAppHostApplication::screenshotUnwritable()
+{
+    {
+        QFile blocker(m_dir.filePath("blocker"));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+    }
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost({"--addon", PROBE_ADDON, "--usage-log", m_dir.filePath("shot.jsonl"),
+                     "--screenshot", m_dir.filePath("blocker/s.png"), "--quit-after", "100"},
+                    &code, nullptr, &err));
+    QCOMPARE(code, 3);
+    QVERIFY2(err.contains("screenshot"), err.constData());
+}
+
+void tst_VAppHostApplication::screenshotWithRealAddon()
+{
+    // The default add-on path of the program: <bin>/../lib/libvdocumentmerger.so.
+    const QString addon = QStringLiteral(REAL_ADDON);
+    if (!QFileInfo::exists(addon))
+        QSKIP("the add-on library is not built in this tree");
+
+    const QString shot = m_dir.filePath(QStringLiteral("real.png"));
+    const QString log = m_dir.filePath(QStringLiteral("real.jsonl"));
+    int code = -1;
+    QByteArray err;
+    QVERIFY(runHost({"--screenshot", shot, "--quit-after", "3000", "--src", "desk", "--usage-log", log},
+                    &code, nullptr, &err, 120000));
+    QVERIFY2(code == 0, err.constData());
+    const QImage image(shot, "PNG");
+    QVERIFY(!image.isNull());
+    QVERIFY(image.width() > 0 && image.height() > 0);
+    const QVector<LoggedEvent> shows = eventsNamed(readLog(log), "vas_wordmerge_show");
+    QCOMPARE(shows.size(), 1);
+    QCOMPARE(shows.first().params.value("src").toString(), QStringLiteral("desk"));
+}
+
+QTEST_GUILESS_MAIN(tst_VAppHostApplication)
+#include "tst_vapphostapplication.moc"

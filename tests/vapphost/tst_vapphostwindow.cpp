@@ -1,0 +1,236 @@
+#include <QtTest>
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QTemporaryDir>
+
+#include "vappcontainer.h"
+#include "vapphostwindow.h"
+#include "vapplogindialog.h"
+#include "vapptheme.h"
+
+class SkinReceiver : public QObject {
+    Q_OBJECT
+public:
+    QVector<QVariantMap> received;
+public slots:
+    void onSkinChanged(QVariantMap params) { received << params; }
+};
+
+class tst_VAppHostWindow : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void mainWindowIsFoundByTypeCheck();
+    void windowAnswersForItsContainer();
+    void themeSwitchNotifiesSubscribers_data();
+    void themeSwitchNotifiesSubscribers();
+    void unknownThemeRefused();
+    void accountMenuFollowsSignIn();
+    void menusPresent();
+    void missingClientWidgetShowsNotice();
+    void closingEmittedOnce();
+    void defaultSizeFollowsScale_data();
+    void defaultSizeFollowsScale();
+};
+
+void tst_VAppHostWindow::init()
+{
+    VAppTheme::setScale(0);
+    QVERIFY(VAppTheme::apply(QStringLiteral("light")));
+}
+
+void tst_VAppHostWindow::mainWindowIsFoundByTypeCheck()
+{
+    VAppContainer container;
+    QCOMPARE(container.mainWindow(), nullptr);
+    auto *window = new VAppHostWindow(&container);
+    container.setMainWindow(window);
+
+    AppFrameWork::IVAppContainer *asContainer = &container;
+    auto *found = dynamic_cast<VAppMainWindow *>(asContainer->mainWindow());
+    QCOMPARE(found, static_cast<VAppMainWindow *>(window));
+    QCOMPARE(window->mainWindow(), static_cast<AppFrameWork::IVAppContainer *>(window));
+
+    delete window;
+    QCOMPARE(container.mainWindow(), nullptr);
+}
+
+void tst_VAppHostWindow::windowAnswersForItsContainer()
+{
+    QTemporaryDir dir;
+    VAppContainer container;
+    container.setUsageLogPath(dir.filePath("usage.jsonl"));
+    container.setStartInfo(QStringLiteral("desk"), {QStringLiteral("/a.doc")});
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+    AppFrameWork::IVAppContainer *viaWindow = &window;
+
+    QCOMPARE(viaWindow->account(), container.account());
+    QCOMPARE(viaWindow->startInfo(), container.startInfo());
+    QCOMPARE(viaWindow->startInfo()->source, QStringLiteral("desk"));
+
+    viaWindow->postEvent(QStringLiteral("vas_wordmerge_show"), {{"src", "desk"}});
+    QFile log(dir.filePath("usage.jsonl"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QCOMPARE(log.readAll(), QByteArray("{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"desk\"}}\n"));
+
+    SkinReceiver receiver;
+    viaWindow->subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
+    QCOMPARE(container.notify(QStringLiteral("SkinChanged"), {{"skin", "dark"}}), 1);
+    QCOMPARE(receiver.received.size(), 1);
+}
+
+void tst_VAppHostWindow::themeSwitchNotifiesSubscribers_data()
+{
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QStringList>("actions");   // "light"/"dark": menu action; "set:<name>": setTheme
+    QTest::addColumn<QStringList>("skins");     // the "skin" values notified, in order
+
+    QTest::newRow("light_to_dark_by_menu") << "light" << QStringList{"dark"} << QStringList{"dark"};
+    QTest::newRow("dark_and_back_by_menu")
+        << "light" << QStringList{"dark", "light"} << QStringList{"dark", "light"};
+    QTest::newRow("same_theme_again_is_silent")
+        << "light" << QStringList{"light", "set:light"} << QStringList();
+    QTest::newRow("dark_start_then_light_by_call")
+        << "dark" << QStringList{"set:light", "set:light"} << QStringList{"light"};
+}
+
+void tst_VAppHostWindow::themeSwitchNotifiesSubscribers()
+{
+    QFETCH(QString, start);
+    QFETCH(QStringList, actions);
+    QFETCH(QStringList, skins);
+
+    QVERIFY(VAppTheme::apply(start));
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+    QCOMPARE(window.theme(), start);
+    QCOMPARE(window.darkThemeAction()->isChecked(), start == QLatin1String("dark"));
+    SkinReceiver receiver;
+    container.subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
+    QSignalSpy spy(&window, &VAppHostWindow::themeChanged);
+    QVERIFY(spy.isValid());
+
+    for (const QString &action : actions) {
+        if (action.startsWith(QLatin1String("set:")))
+            QVERIFY(window.setTheme(action.mid(4)));
+        else
+            (action == QLatin1String("dark") ? window.darkThemeAction() : window.lightThemeAction())->trigger();
+    }
+
+    QCOMPARE(spy.count(), skins.size());
+    QCOMPARE(receiver.received.size(), skins.size());
+    for (int i = 0; i < skins.size(); ++i) {
+        QCOMPARE(spy.at(i).at(0).toString(), skins.at(i));
+        QCOMPARE(receiver.received.at(i), (QVariantMap{{"skin", skins.at(i)}}));
+    }
+    const QString final = skins.isEmpty() ? start : skins.last();
+    QCOMPARE(VAppTheme::current(), final);
+    QCOMPARE(window.theme(), final);
+    QCOMPARE(window.darkThemeAction()->isChecked(), final == QLatin1String("dark"));
+    QCOMPARE(window.lightThemeAction()->isChecked(), final == QLatin1String("light"));
+}
+
+void tst_VAppHostWindow::unknownThemeRefused()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    SkinReceiver receiver;
+    container.subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unknown theme"));
+    QVERIFY(!window.setTheme(QStringLiteral("sepia")));
+    QVERIFY(receiver.received.isEmpty());
+    QCOMPARE(VAppTheme::current(), QStringLiteral("light"));
+}
+
+void tst_VAppHostWindow::accountMenuFollowsSignIn()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(window.signInAction()->isEnabled());
+    QVERIFY(!window.signOutAction()->isEnabled());
+
+    window.signInAction()->trigger();
+    VAppLoginDialog *dialog = container.hostAccount()->loginDialog();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->parentWidget(), &window);
+    dialog->nameEdit()->setText(QStringLiteral("grace"));
+    dialog->accept();
+    QTRY_VERIFY(container.account()->isLogin());
+    QVERIFY(!window.signInAction()->isEnabled());
+    QVERIFY(window.signOutAction()->isEnabled());
+    AppFrameWork::VAppUserInfo info;
+    container.account()->userInfo(info);
+    QCOMPARE(info.userId, QStringLiteral("grace"));
+
+    window.signOutAction()->trigger();
+    QVERIFY(!container.account()->isLogin());
+    QVERIFY(window.signInAction()->isEnabled());
+}
+
+void tst_VAppHostWindow::menusPresent()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    QStringList titles;
+    for (QAction *action : window.menuBar()->actions())
+        titles << action->text().remove(QLatin1Char('&'));
+    QCOMPARE(titles, (QStringList{"Account", "View", "Help"}));
+    QVERIFY(!window.windowTitle().isEmpty());
+}
+
+void tst_VAppHostWindow::missingClientWidgetShowsNotice()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    window.setClientWidget(nullptr);
+    auto *notice = qobject_cast<QLabel *>(window.centralWidget());
+    QVERIFY(notice);
+    QVERIFY(!notice->text().isEmpty());
+
+    QPointer<QWidget> client = new QWidget;
+    window.setClientWidget(client);
+    QCOMPARE(window.centralWidget(), client.data());
+    QCOMPARE(client->parentWidget(), &window);
+}
+
+void tst_VAppHostWindow::closingEmittedOnce()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    QSignalSpy spy(&window, &VAppHostWindow::closing);
+    QVERIFY(spy.isValid());
+    window.show();
+    QVERIFY(window.close());
+    window.show();
+    QVERIFY(window.close());
+    QCOMPARE(spy.count(), 1);
+}
+
+void tst_VAppHostWindow::defaultSizeFollowsScale_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QSize>("expected");
+    QTest::newRow("scale_1") << 1.0 << QSize(1100, 720);
+    QTest::newRow("scale_1_5") << 1.5 << QSize(1650, 1080);
+}
+
+void tst_VAppHostWindow::defaultSizeFollowsScale()
+{
+    QFETCH(double, scale);
+    QFETCH(QSize, expected);
+    VAppTheme::setScale(scale);
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    QCOMPARE(window.size(), expected);
+}
+
+QTEST_MAIN(tst_VAppHostWindow)
+#include "tst_vapphostwindow.moc"

@@ -1,0 +1,212 @@
+#include <QtTest>
+
+#include <QThread>
+
+#include "vappnotifier.h"
+
+// Receives notifications by slot name and remembers them in call order.
+class Receiver : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    QStringList calls;
+    QVector<QVariantMap> maps;
+    QVector<QThread *> threads;
+
+public slots:
+    void onSkinChanged(QVariantMap params) { take(QStringLiteral("onSkinChanged"), params); }
+    void onSecondInstance(QVariantMap params) { take(QStringLiteral("onSecondInstance"), params); }
+    void onOther(QVariantMap params) { take(QStringLiteral("onOther"), params); }
+    void noArguments() { calls << QStringLiteral("noArguments"); }
+
+private:
+    void take(const QString &slot, const QVariantMap &params)
+    {
+        calls << slot;
+        maps << params;
+        threads << QThread::currentThread();
+    }
+};
+
+// A receiver that destroys another while it is being notified.
+class Destroyer : public QObject {
+    Q_OBJECT
+public:
+    QObject *victim = nullptr;
+public slots:
+    void onSkinChanged(QVariantMap) { delete victim; victim = nullptr; }
+};
+
+class tst_VAppNotifier : public QObject {
+    Q_OBJECT
+private slots:
+    void deliversBySlotName_data();
+    void deliversBySlotName();
+    void destroyedSubscriberSkipped();
+    void subscriberDestroyedDuringNotify();
+    void duplicateSubscriptionCalledOnce();
+    void invalidSubscriptionsRefused_data();
+    void invalidSubscriptionsRefused();
+    void missingSlotDoesNotStopOthers();
+    void receiverOnAnotherThreadCalledThere();
+};
+
+void tst_VAppNotifier::deliversBySlotName_data()
+{
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<QString>("notification");
+    QTest::addColumn<QVariantMap>("params");
+    QTest::addColumn<QString>("expectedSlot");
+
+    QTest::newRow("plain_name_skin") << QByteArray("onSkinChanged") << "SkinChanged"
+                                     << QVariantMap{{"skin", "dark"}} << "onSkinChanged";
+    QTest::newRow("plain_name_second_instance")
+        << QByteArray("onSecondInstance") << "SecondInstance"
+        << QVariantMap{{"args", "{\"file\":\"/a.doc|/b c.docx\"}"}} << "onSecondInstance";
+    QTest::newRow("slot_macro_form") << QByteArray(SLOT(onSkinChanged(QVariantMap))) << "SkinChanged"
+                                     << QVariantMap{{"skin", "light"}} << "onSkinChanged";
+    QTest::newRow("signature_without_macro_code")
+        << QByteArray("onOther(QVariantMap)") << "Custom" << QVariantMap() << "onOther";
+    QTest::newRow("several_keys_and_types")
+        << QByteArray("onOther") << "Custom"
+        << QVariantMap{{"n", 3}, {"flag", true}, {"list", QStringList{"x", "y"}}} << "onOther";
+}
+
+void tst_VAppNotifier::deliversBySlotName()
+{
+    QFETCH(QByteArray, slot);
+    QFETCH(QString, notification);
+    QFETCH(QVariantMap, params);
+    QFETCH(QString, expectedSlot);
+
+    VAppNotifier notifier;
+    Receiver receiver;
+    Receiver bystander;
+    QVERIFY(notifier.subscribe(notification, &receiver, slot.constData()));
+    QVERIFY(notifier.subscribe(QStringLiteral("Unrelated"), &bystander, "onOther"));
+
+    QCOMPARE(notifier.notify(notification, params), 1);
+    QCOMPARE(receiver.calls, QStringList{expectedSlot});
+    QCOMPARE(receiver.maps.first(), params);
+    QCOMPARE(receiver.threads.first(), QThread::currentThread());
+    QVERIFY(bystander.calls.isEmpty());
+
+    QCOMPARE(notifier.notify(QStringLiteral("NobodyListens"), params), 0);
+    QCOMPARE(receiver.calls.size(), 1);
+}
+
+void tst_VAppNotifier::destroyedSubscriberSkipped()
+{
+    VAppNotifier notifier;
+    Receiver first;
+    auto *gone = new Receiver;
+    Receiver last;
+    QVERIFY(notifier.subscribe("SkinChanged", &first, "onSkinChanged"));
+    QVERIFY(notifier.subscribe("SkinChanged", gone, "onSkinChanged"));
+    QVERIFY(notifier.subscribe("SkinChanged", &last, "onSkinChanged"));
+    QCOMPARE(notifier.subscriberCount("SkinChanged"), 3);
+    delete gone;
+    QCOMPARE(notifier.subscriberCount("SkinChanged"), 2);
+
+    QCOMPARE(notifier.notify("SkinChanged", {{"skin", "dark"}}), 2);
+    QCOMPARE(first.calls, QStringList{"onSkinChanged"});
+    QCOMPARE(last.calls, QStringList{"onSkinChanged"});
+}
+
+void tst_VAppNotifier::subscriberDestroyedDuringNotify()
+{
+    VAppNotifier notifier;
+    Destroyer destroyer;
+    auto *victim = new Receiver;
+    destroyer.victim = victim;
+    QVERIFY(notifier.subscribe("SkinChanged", &destroyer, "onSkinChanged"));
+    QVERIFY(notifier.subscribe("SkinChanged", victim, "onSkinChanged"));
+    QCOMPARE(notifier.notify("SkinChanged", {{"skin", "dark"}}), 1);
+    QVERIFY(!destroyer.victim);
+    QCOMPARE(notifier.subscriberCount("SkinChanged"), 1);
+}
+
+void tst_VAppNotifier::duplicateSubscriptionCalledOnce()
+{
+    VAppNotifier notifier;
+    Receiver receiver;
+    QVERIFY(notifier.subscribe("SkinChanged", &receiver, "onSkinChanged"));
+    QVERIFY(notifier.subscribe("SkinChanged", &receiver, SLOT(onSkinChanged(QVariantMap))));
+    QVERIFY(notifier.subscribe("SkinChanged", &receiver, "onOther"));
+    QCOMPARE(notifier.notify("SkinChanged", {{"skin", "dark"}}), 2);
+    QCOMPARE(receiver.calls, (QStringList{"onSkinChanged", "onOther"}));
+}
+
+void tst_VAppNotifier::invalidSubscriptionsRefused_data()
+{
+    QTest::addColumn<QString>("notification");
+    QTest::addColumn<bool>("withReceiver");
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<bool>("nullSlot");
+
+    QTest::newRow("null_receiver") << "SkinChanged" << false << QByteArray("onSkinChanged") << false;
+    QTest::newRow("null_slot") << "SkinChanged" << true << QByteArray() << true;
+    QTest::newRow("empty_slot") << "SkinChanged" << true << QByteArray("") << false;
+    QTest::newRow("empty_notification") << "" << true << QByteArray("onSkinChanged") << false;
+}
+
+void tst_VAppNotifier::invalidSubscriptionsRefused()
+{
+    QFETCH(QString, notification);
+    QFETCH(bool, withReceiver);
+    QFETCH(QByteArray, slot);
+    QFETCH(bool, nullSlot);
+    VAppNotifier notifier;
+    Receiver receiver;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused"));
+    QVERIFY(!notifier.subscribe(notification, withReceiver ? &receiver : nullptr,
+                                nullSlot ? nullptr : slot.constData()));
+    QCOMPARE(notifier.subscriberCount(notification), 0);
+    QCOMPARE(notifier.notify(notification, {}), 0);
+    QVERIFY(receiver.calls.isEmpty());
+}
+
+void tst_VAppNotifier::missingSlotDoesNotStopOthers()
+{
+    VAppNotifier notifier;
+    Receiver wrong;
+    Receiver right;
+    QVERIFY(notifier.subscribe("SkinChanged", &wrong, "noSuchSlot"));
+    QVERIFY(notifier.subscribe("SkinChanged", &wrong, "noArguments"));
+    QVERIFY(notifier.subscribe("SkinChanged", &right, "onSkinChanged"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("noSuchSlot"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("noArguments"));
+    QCOMPARE(notifier.notify("SkinChanged", {{"skin", "dark"}}), 1);
+    QVERIFY(wrong.calls.isEmpty());
+    QCOMPARE(right.calls, QStringList{"onSkinChanged"});
+}
+
+void tst_VAppNotifier::receiverOnAnotherThreadCalledThere()
+{
+    QThread worker;
+    worker.start();
+    auto stop = qScopeGuard([&worker] { worker.quit(); worker.wait(); });
+    auto *receiver = new Receiver;
+    receiver->moveToThread(&worker);
+    connect(&worker, &QThread::finished, receiver, &QObject::deleteLater);
+
+    VAppNotifier notifier;
+    QVERIFY(notifier.subscribe("SkinChanged", receiver, "onSkinChanged"));
+    QCOMPARE(notifier.notify("SkinChanged", {{"skin", "dark"}}), 1);
+    int calls = 0;
+    QThread *calledOn = nullptr;
+    QVariantMap params;
+    QTRY_VERIFY([&] {
+        QMetaObject::invokeMethod(receiver, [&] {
+            calls = receiver->calls.size();
+            calledOn = calls ? receiver->threads.first() : nullptr;
+            params = calls ? receiver->maps.first() : QVariantMap();
+        }, Qt::BlockingQueuedConnection);
+        return calls == 1;
+    }());
+    QCOMPARE(calledOn, &worker);
+    QCOMPARE(params, (QVariantMap{{"skin", "dark"}}));
+}
+
+QTEST_GUILESS_MAIN(tst_VAppNotifier)
+#include "tst_vappnotifier.moc"

@@ -1,0 +1,244 @@
+#include <QtTest>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include "vappcontainer.h"
+#include "vappsingleinstance.h"
+
+// Stands in for the add-on's merge page: subscribes by slot name, keeps what arrives.
+class SecondInstanceReceiver : public QObject {
+    Q_OBJECT
+public:
+    QVector<QVariantMap> received;
+public slots:
+    void onSecondInstance(QVariantMap argsMap) { received << argsMap; }
+};
+
+namespace {
+
+QString privateServerName()
+{
+    return QStringLiteral("vapphost-test-%1-%2")
+        .arg(QCoreApplication::applicationPid())
+        .arg(QRandomGenerator::global()->generate());
+}
+
+// Runs a blocking hand-over on a pool thread while this thread serves the event loop.
+bool handOverFromOtherThread(const QString &serverName, const QStringList &files, int timeoutMs = 5000)
+{
+    bool result = false;
+    QScopedPointer<QThread> thread(QThread::create([&result, serverName, files, timeoutMs] {
+        VAppSingleInstance later(serverName);
+        result = later.handOver(files, timeoutMs);
+    }));
+    thread->start();
+    while (!thread->isFinished())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    thread->wait();
+    return result;
+}
+
+} // namespace
+
+class tst_VAppSingleInstance : public QObject {
+    Q_OBJECT
+private slots:
+    void filesArriveAsSecondInstance_data();
+    void filesArriveAsSecondInstance();
+    void emptyHandOverOnlyAsksToBeShown();
+    void noRunningHostRefusesHandOver();
+    void staleSocketFileIsReplaced();
+    void secondListenerRefused();
+    void malformedMessageIgnored_data();
+    void malformedMessageIgnored();
+    void silentServerTimesOut();
+    void absolutePaths_data();
+    void absolutePaths();
+    void defaultServerName_data();
+    void defaultServerName();
+};
+
+void tst_VAppSingleInstance::filesArriveAsSecondInstance_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QString>("expectedArgs");
+
+    QTest::newRow("one_file") << QStringList{"/home/u/a.docx"}
+                              << "{\"file\":\"/home/u/a.docx\"}";
+    QTest::newRow("three_files_joined_by_bar")
+        << QStringList{"/d/a.doc", "/d/b.docx", "/d/c.zyl"}
+        << "{\"file\":\"/d/a.doc|/d/b.docx|/d/c.zyl\"}";
+    QTest::newRow("spaces_quotes_and_unicode")
+        << QStringList{"/d/My Files/\"q\".docx", "/d/报告 März.doc"}
+        << "{\"file\":\"/d/My Files/\\\"q\\\".docx|/d/报告 März.doc\"}";
+    QTest::newRow("nbsp_and_query_forms_untouched")
+        << QStringList{"/d/My|nbsp|Files/r.doc?from=desk"}
+        << "{\"file\":\"/d/My|nbsp|Files/r.doc?from=desk\"}";
+}
+
+void tst_VAppSingleInstance::filesArriveAsSecondInstance()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QString, expectedArgs);
+
+    const QString name = privateServerName();
+    VAppSingleInstance first(name);
+    QVERIFY2(first.listen(), qPrintable(first.errorString()));
+    VAppContainer container;
+    SecondInstanceReceiver page;
+    container.subscribe(QStringLiteral("SecondInstance"), &page, "onSecondInstance");
+    connect(&first, &VAppSingleInstance::filesReceived, &container,
+            [&container](const QStringList &f) { container.deliverSecondInstance(f); });
+    QSignalSpy spy(&first, &VAppSingleInstance::filesReceived);
+    QVERIFY(spy.isValid());
+
+    QVERIFY(handOverFromOtherThread(name, files));
+    QTRY_COMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toStringList(), files);
+    QCOMPARE(page.received.size(), 1);
+    QCOMPARE(page.received.first().keys(), QStringList{"args"});
+    const QString args = page.received.first().value("args").toString();
+    QCOMPARE(args, expectedArgs);
+    QCOMPARE(QJsonDocument::fromJson(args.toUtf8()).object().value("file").toString(),
+             files.join('|'));
+}
+
+void tst_VAppSingleInstance::emptyHandOverOnlyAsksToBeShown()
+{
+    const QString name = privateServerName();
+    VAppSingleInstance first(name);
+    QVERIFY(first.listen());
+    QSignalSpy spy(&first, &VAppSingleInstance::filesReceived);
+    QVERIFY(spy.isValid());
+    QVERIFY(handOverFromOtherThread(name, {}));
+    QTRY_COMPARE(spy.count(), 1);
+    QVERIFY(spy.at(0).at(0).toStringList().isEmpty());
+}
+
+void tst_VAppSingleInstance::noRunningHostRefusesHandOver()
+{
+    VAppSingleInstance later(privateServerName());
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(!later.handOver({"/a.doc"}, 2000));
+    QVERIFY(clock.elapsed() < 2000);
+}
+
+void tst_VAppSingleInstance::staleSocketFileIsReplaced()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    // A full path as name puts the socket file where the test can leave one behind.
+    const QString name = dir.filePath("stale.sock");
+    {
+        QFile leftover(name);
+        QVERIFY(leftover.open(QIODevice::WriteOnly));
+    }
+    VAppSingleInstance first(name);
+    QVERIFY2(first.listen(), qPrintable(first.errorString()));
+    QSignalSpy spy(&first, &VAppSingleInstance::filesReceived);
+    QVERIFY(handOverFromOtherThread(name, {"/x.docx"}));
+    QTRY_COMPARE(spy.count(), 1);
+}
+
+void tst_VAppSingleInstance::secondListenerRefused()
+{
+    const QString name = privateServerName();
+    VAppSingleInstance first(name);
+    QVERIFY(first.listen());
+    VAppSingleInstance second(name);
+    QVERIFY(!second.listen());
+    QVERIFY(second.errorString().contains(name));
+    // The first one still serves.
+    QSignalSpy spy(&first, &VAppSingleInstance::filesReceived);
+    QVERIFY(handOverFromOtherThread(name, {"/still.doc"}));
+    QTRY_COMPARE(spy.count(), 1);
+}
+
+void tst_VAppSingleInstance::malformedMessageIgnored_data()
+{
+    QTest::addColumn<QByteArray>("message");
+    QTest::newRow("not_json") << QByteArray("hello\n");
+    QTest::newRow("json_array") << QByteArray("[1,2]\n");
+    QTest::newRow("files_not_a_list") << QByteArray("{\"files\":\"/a.doc\"}\n");
+}
+
+void tst_VAppSingleInstance::malformedMessageIgnored()
+{
+    QFETCH(QByteArray, message);
+    const QString name = privateServerName();
+    VAppSingleInstance first(name);
+    QVERIFY(first.listen());
+    QSignalSpy spy(&first, &VAppSingleInstance::filesReceived);
+
+    QLocalSocket client;
+    client.connectToServer(name);
+    QVERIFY(client.waitForConnected(2000));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("malformed"));
+    client.write(message);
+    QTRY_VERIFY(client.canReadLine());
+    QCOMPARE(client.readLine().trimmed(), QByteArray("{\"ok\":false}"));
+    QCOMPARE(spy.count(), 0);
+
+    // A good message afterwards still gets through.
+    QVERIFY(handOverFromOtherThread(name, {"/ok.doc"}));
+    QTRY_COMPARE(spy.count(), 1);
+}
+
+void tst_VAppSingleInstance::silentServerTimesOut()
+{
+    // A server that accepts but never answers, like a hung host.
+    const QString name = privateServerName();
+    QLocalServer silent;
+    QVERIFY(silent.listen(name));
+    QElapsedTimer clock;
+    clock.start();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("did not answer"));
+    QVERIFY(!handOverFromOtherThread(name, {"/a.doc"}, 600));
+    QVERIFY2(clock.elapsed() < 3000, "the hand-over must give up near its time-out");
+}
+
+void tst_VAppSingleInstance::absolutePaths_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("expected");
+
+    QTest::newRow("absolute_unchanged") << QStringList{"/a/b.doc"} << QStringList{"/a/b.doc"};
+    QTest::newRow("relative_made_absolute")
+        << QStringList{"b.doc", "sub/c.docx"} << QStringList{"/work/dir/b.doc", "/work/dir/sub/c.docx"};
+    QTest::newRow("relative_with_nbsp_and_query")
+        << QStringList{"My|nbsp|Files/r.doc?from=desk"}
+        << QStringList{"/work/dir/My|nbsp|Files/r.doc?from=desk"};
+    QTest::newRow("url_and_empty_unchanged")
+        << QStringList{"file:///a/b.doc", ""} << QStringList{"file:///a/b.doc", ""};
+}
+
+void tst_VAppSingleInstance::absolutePaths()
+{
+    QFETCH(QStringList, files);
+    QTEST(VAppSingleInstance::absolutePaths(files, QStringLiteral("/work/dir")), "expected");
+}
+
+void tst_VAppSingleInstance::defaultServerName_data()
+{
+    QTest::addColumn<QString>("userId");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("plain_login") << "alice" << "vapphost-alice";
+    QTest::newRow("slash_and_space_replaced") << "dom/ain user" << "vapphost-dom_ain_user";
+    QTest::newRow("empty_user") << "" << "vapphost-user";
+}
+
+void tst_VAppSingleInstance::defaultServerName()
+{
+    QFETCH(QString, userId);
+    QTEST(VAppSingleInstance::defaultServerName(userId), "expected");
+}
+
+QTEST_GUILESS_MAIN(tst_VAppSingleInstance)
+#include "tst_vappsingleinstance.moc"

@@ -1,0 +1,179 @@
+#include <QtTest>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "vappusagelog.h"
+
+using Params = QHash<QString, QString>;
+using Event = QPair<QString, Params>;
+Q_DECLARE_METATYPE(Event)
+Q_DECLARE_METATYPE(QVector<Event>)
+
+namespace {
+
+QList<QByteArray> readLines(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QList<QByteArray> lines = file.readAll().split('\n');
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+} // namespace
+
+class tst_VAppUsageLog : public QObject {
+    Q_OBJECT
+private slots:
+    void eventsReadBack_data();
+    void eventsReadBack();
+    void appendsToExistingFile();
+    void createsMissingFolders();
+    void unwritablePathFailsCleanly_data();
+    void unwritablePathFailsCleanly();
+    void defaultPathFollowsStateHome_data();
+    void defaultPathFollowsStateHome();
+};
+
+void tst_VAppUsageLog::eventsReadBack_data()
+{
+    QTest::addColumn<QVector<Event>>("events");
+
+    QTest::newRow("show_with_src") << QVector<Event>{
+        {"vas_wordmerge_show", {{"src", "desk"}}}};
+    QTest::newRow("event_without_params") << QVector<Event>{{"vas_wordmerge_show", {}}};
+    QTest::newRow("trailing_space_kept_in_value") << QVector<Event>{
+        {"vas_wordmerge_click", {{"type", "deletefile "}}}};
+    QTest::newRow("several_events_in_order") << QVector<Event>{
+        {"vas_wordmerge_click", {{"type", "start_up"}}},
+        {"vas_wordmerge_popup", {{"type", "processing"}, {"action", "show"}}},
+        {"vas_wordmerge_export", {{"count", "3"}, {"format", "docx"}}}};
+    QTest::newRow("quotes_newlines_and_unicode") << QVector<Event>{
+        {"vas_wordmerge_addfile", {{"name", "Bericht \"März\"\nÜbersicht 报告.docx"},
+                                   {"path", "C:\\Users\\x\\a|b"}}}};
+    QTest::newRow("empty_key_and_value") << QVector<Event>{
+        {"vas_wordmerge_popup", {{"", ""}, {"type", ""}}}};
+}
+
+void tst_VAppUsageLog::eventsReadBack()
+{
+    QFETCH(QVector<Event>, events);
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const VAppUsageLog log(dir.filePath("usage.jsonl"));
+    for (const Event &e : events)
+        QVERIFY(log.append(e.first, e.second));
+
+    const QList<QByteArray> lines = readLines(log.filePath());
+    QCOMPARE(lines.size(), events.size());
+    for (int i = 0; i < events.size(); ++i) {
+        QVERIFY2(!lines.at(i).contains('\n'), "an event must stay on one line");
+        QJsonParseError error;
+        const QJsonDocument doc = QJsonDocument::fromJson(lines.at(i), &error);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        const QJsonObject object = doc.object();
+        QCOMPARE(object.keys(), (QStringList{"event", "params"}));
+        QCOMPARE(object.value("event").toString(), events.at(i).first);
+        const QJsonObject params = object.value("params").toObject();
+        QCOMPARE(params.size(), events.at(i).second.size());
+        for (auto it = events.at(i).second.cbegin(); it != events.at(i).second.cend(); ++it) {
+            QVERIFY2(params.value(it.key()).isString(), qPrintable(it.key()));
+            QCOMPARE(params.value(it.key()).toString(), it.value());
+        }
+    }
+}
+
+void tst_VAppUsageLog::appendsToExistingFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("usage.jsonl");
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("{\"event\":\"earlier\",\"params\":{}}\n");
+    }
+    QVERIFY(VAppUsageLog(path).append("vas_wordmerge_show", {{"src", "desk"}}));
+    QVERIFY(VAppUsageLog(path).append("vas_wordmerge_show", {{"src", "menu"}}));
+    const QList<QByteArray> lines = readLines(path);
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines.at(0), QByteArray("{\"event\":\"earlier\",\"params\":{}}"));
+    QCOMPARE(lines.at(1), QByteArray("{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"desk\"}}"));
+    QCOMPARE(lines.at(2), QByteArray("{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"menu\"}}"));
+}
+
+void tst_VAppUsageLog::createsMissingFolders()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("state/vapphost/usage.jsonl");
+    QVERIFY(VAppUsageLog(path).append("vas_wordmerge_show", {}));
+    QCOMPARE(readLines(path).size(), 1);
+}
+
+void tst_VAppUsageLog::unwritablePathFailsCleanly_data()
+{
+    QTest::addColumn<QString>("relativePath");
+    QTest::addColumn<bool>("emptyPath");
+
+    QTest::newRow("no_path") << QString() << true;
+    QTest::newRow("path_is_a_folder") << "folder" << false;
+    QTest::newRow("parent_is_a_file") << "plainfile/usage.jsonl" << false;
+}
+
+void tst_VAppUsageLog::unwritablePathFailsCleanly()
+{
+    QFETCH(QString, relativePath);
+    QFETCH(bool, emptyPath);
+    QTemporaryDir dir;
+    QVERIFY(QDir(dir.path()).mkdir("folder"));
+    {
+        QFile file(dir.filePath("plainfile"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("not a folder");
+    }
+    const VAppUsageLog log(emptyPath ? QString() : dir.filePath(relativePath));
+    QVERIFY(!log.append("vas_wordmerge_show", {{"src", "desk"}}));
+    QFile plain(dir.filePath("plainfile"));
+    QVERIFY(plain.open(QIODevice::ReadOnly));
+    QCOMPARE(plain.readAll(), QByteArray("not a folder"));
+}
+
+void tst_VAppUsageLog::defaultPathFollowsStateHome_data()
+{
+    QTest::addColumn<QByteArray>("stateHome");
+    QTest::addColumn<bool>("underStateHome");
+
+    QTest::newRow("absolute_state_home") << QByteArray("/tmp/vapphost-state-test") << true;
+    QTest::newRow("relative_state_home_ignored") << QByteArray("relative/state") << false;
+    QTest::newRow("unset_state_home") << QByteArray() << false;
+}
+
+void tst_VAppUsageLog::defaultPathFollowsStateHome()
+{
+    QFETCH(QByteArray, stateHome);
+    QFETCH(bool, underStateHome);
+    const QByteArray saved = qgetenv("XDG_STATE_HOME");
+    const bool wasSet = qEnvironmentVariableIsSet("XDG_STATE_HOME");
+    auto restore = qScopeGuard([&] {
+        if (wasSet)
+            qputenv("XDG_STATE_HOME", saved);
+        else
+            qunsetenv("XDG_STATE_HOME");
+    });
+    if (stateHome.isNull())
+        qunsetenv("XDG_STATE_HOME");
+    else
+        qputenv("XDG_STATE_HOME", stateHome);
+
+    const QString path = VAppUsageLog::defaultFilePath();
+    QVERIFY(QDir::isAbsolutePath(path));
+    QVERIFY(path.endsWith(QLatin1String("/usage.jsonl")));
+    QCOMPARE(path.startsWith(QString::fromLocal8Bit(stateHome) + QLatin1String("/vapphost/")),
+             underStateHome);
+}
+
+QTEST_GUILESS_MAIN(tst_VAppUsageLog)
+#include "tst_vappusagelog.moc"
