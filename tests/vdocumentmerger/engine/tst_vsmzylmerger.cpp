@@ -1,0 +1,414 @@
+#include <QCryptographicHash>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "engine/vsmzylmerger.h"
+#include "fakezylserver.h"
+#include "shell/vmenv.h"
+
+// Every signal of the merger in the order the page receives them.
+class MergerLog : public QObject {
+public:
+    explicit MergerLog(VSMMerger *merger)
+    {
+        connect(merger, &VSMMerger::taskInitFinished, this, [this] { m_entries << QStringLiteral("init"); });
+        connect(merger, &VSMMerger::subProgress, this, [this](int index, int percent) {
+            m_entries << QStringLiteral("sub %1 %2").arg(index).arg(percent);
+        });
+        connect(merger, &VSMMerger::overallProgress, this,
+                [this](int percent) { m_entries << QStringLiteral("overall %1").arg(percent); });
+        connect(merger, &VSMMerger::mergeFinished, this, [this, merger](int result) {
+            m_entries << QStringLiteral("finished %1").arg(result);
+            m_runningAtFinish = merger->isRunning();
+        });
+    }
+    QStringList entries() const { return m_entries; }
+    bool runningAtFinish() const { return m_runningAtFinish; }
+
+private:
+    QStringList m_entries;
+    bool m_runningAtFinish = true;
+};
+
+class tst_VSMZylMerger : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void mergesChosenPages_data();
+    void mergesChosenPages();
+    void failsWithoutOutput_data();
+    void failsWithoutOutput();
+    void existingOutputIsUntouched();
+    void serverCannotBeCreated();
+    void saveFormat_data();
+    void saveFormat();
+    void pageBreakFallsBackToParagraph();
+    void cutsTailBeforeHead();
+    void wholeDocumentIsNotCut();
+    void cancelBeforeSecondOfThree();
+    void cancelDuringLastAppend();
+
+private:
+    QList<MergeItem> items(const QStringList &specs) const;
+    MergeTask task(const QStringList &specs, const QString &outputName) const;
+    QByteArray checksums() const;
+    void runAndWait(VSMMerger &merger, const MergeTask &task);
+
+    QTemporaryDir m_dir;
+};
+
+void tst_VSMZylMerger::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QVERIFY(!qEnvironmentVariableIsEmpty("VCOMRT_REGISTRY"));
+}
+
+void tst_VSMZylMerger::init()
+{
+    FakeZylServer::reset();
+    const struct {
+        const char *name;
+        const char *prefix;
+        int pages;
+    } sources[] = {{"a.docx", "A", 4}, {"b.doc", "B", 3}, {"c.zyl", "C", 5}, {"d.docx", "D", 2}};
+    for (const auto &source : sources) {
+        QStringList pages;
+        for (int i = 1; i <= source.pages; ++i)
+            pages << QStringLiteral("%1%2").arg(QLatin1String(source.prefix)).arg(i);
+        const QString path = m_dir.filePath(QLatin1String(source.name));
+        QFile::remove(path);
+        QVERIFY(FakeZylServer::writeDocument(path, pages));
+        // Sources may well be read-only; the merge works on copies.
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadUser));
+    }
+}
+
+void tst_VSMZylMerger::cleanup()
+{
+    FakeZylServer::release();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(FakeZylServer::liveObjects(), 0);
+    QCOMPARE(FakeZylServer::openDocuments(), 0);
+    const QStringList outputs = QDir(m_dir.path()).entryList({QStringLiteral("out*")}, QDir::Files);
+    for (const QString &name : outputs)
+        QFile::remove(m_dir.filePath(name));
+}
+
+QList<MergeItem> tst_VSMZylMerger::items(const QStringList &specs) const
+{
+    QList<MergeItem> list;
+    for (const QString &spec : specs) {
+        const QStringList parts = spec.split(QLatin1Char(' '));
+        MergeItem item;
+        item.filePath = m_dir.filePath(parts.at(0));
+        item.from = parts.at(1).toInt();
+        item.to = parts.at(2).toInt();
+        list << item;
+    }
+    return list;
+}
+
+// Built as the merge page builds it.
+MergeTask tst_VSMZylMerger::task(const QStringList &specs, const QString &outputName) const
+{
+    MergeTask t;
+    t.items = items(specs);
+    t.outputPath = m_dir.filePath(outputName);
+    if (!t.items.isEmpty()) {
+        const QFileInfo first(t.items.first().filePath);
+        t.workPath = VMEnv::workFilePath(first.completeBaseName(), first.suffix(), 2);
+    }
+    t.convertFormat = QFileInfo(t.workPath).suffix() != QFileInfo(t.outputPath).suffix();
+    return t;
+}
+
+QByteArray tst_VSMZylMerger::checksums() const
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const char *name : {"a.docx", "b.doc", "c.zyl", "d.docx"}) {
+        QFile file(m_dir.filePath(QLatin1String(name)));
+        if (file.open(QIODevice::ReadOnly))
+            hash.addData(file.readAll());
+    }
+    return hash.result();
+}
+
+void tst_VSMZylMerger::runAndWait(VSMMerger &merger, const MergeTask &t)
+{
+    QSignalSpy finished(&merger, &VSMMerger::mergeFinished);
+    QVERIFY(finished.isValid());
+    merger.start(t);
+    QVERIFY(merger.isRunning());
+    QTRY_COMPARE(finished.count(), 1);
+}
+
+void tst_VSMZylMerger::mergesChosenPages_data()
+{
+    QTest::addColumn<QStringList>("specs");
+    QTest::addColumn<QStringList>("pages");
+
+    QTest::newRow("three_sources_middle_whole_and_past_the_end")
+        << QStringList{QStringLiteral("a.docx 2 3"), QStringLiteral("b.doc 1 3"), QStringLiteral("c.zyl 4 9")}
+        << QStringList{QStringLiteral("A2"), QStringLiteral("A3"), QStringLiteral("B1"), QStringLiteral("B2"),
+                       QStringLiteral("B3"), QStringLiteral("C4"), QStringLiteral("C5")};
+    QTest::newRow("two_single_pages") << QStringList{QStringLiteral("a.docx 4 4"), QStringLiteral("c.zyl 1 1")}
+                                      << QStringList{QStringLiteral("A4"), QStringLiteral("C1")};
+    QTest::newRow("same_source_twice")
+        << QStringList{QStringLiteral("d.docx 1 2"), QStringLiteral("d.docx 2 2"), QStringLiteral("d.docx 1 1")}
+        << QStringList{QStringLiteral("D1"), QStringLiteral("D2"), QStringLiteral("D2"), QStringLiteral("D1")};
+}
+
+void tst_VSMZylMerger::mergesChosenPages()
+{
+    QFETCH(QStringList, specs);
+    QFETCH(QStringList, pages);
+    const QByteArray before = checksums();
+
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task(specs, QStringLiteral("out.docx"));
+    runAndWait(merger, t);
+
+    QStringList expectedLog{QStringLiteral("init")};
+    for (int i = 1; i <= specs.size(); ++i)
+        expectedLog << QStringLiteral("sub %1 100").arg(i);
+    expectedLog << QStringLiteral("finished 0");
+    QCOMPARE(log.entries(), expectedLog);
+    QVERIFY(!log.runningAtFinish());
+    QVERIFY(!merger.isRunning());
+
+    QCOMPARE(FakeZylServer::readDocument(t.outputPath), pages);
+    QCOMPARE(checksums(), before);
+    // Sources themselves are never opened, only their copies.
+    for (const QString &open : FakeZylServer::journal(QStringLiteral("Documents.Open")))
+        QVERIFY2(!open.contains(m_dir.path() + QLatin1Char('/')), qPrintable(open));
+    QCOMPARE(FakeZylServer::applicationsCreated(), 1);
+    QCOMPARE(FakeZylServer::journal().last(), QStringLiteral("call Application.Quit()"));
+}
+
+void tst_VSMZylMerger::failsWithoutOutput_data()
+{
+    QTest::addColumn<QStringList>("specs");
+    QTest::addColumn<QString>("failingMember");
+    QTest::addColumn<bool>("opensAnything");
+
+    const QStringList good{QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1")};
+    QTest::newRow("one_item") << QStringList{QStringLiteral("a.docx 1 2")} << QString() << false;
+    QTest::newRow("no_items") << QStringList() << QString() << false;
+    QTest::newRow("first_to_below_from") << QStringList{QStringLiteral("a.docx 3 2"), QStringLiteral("b.doc 1 1")}
+                                         << QString() << false;
+    QTest::newRow("second_to_below_from") << QStringList{QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 3 2")}
+                                          << QString() << true;
+    QTest::newRow("first_from_past_the_end") << QStringList{QStringLiteral("a.docx 5 6"), QStringLiteral("b.doc 1 1")}
+                                             << QString() << true;
+    QTest::newRow("second_from_past_the_end") << QStringList{QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 4 4")}
+                                              << QString() << true;
+    QTest::newRow("from_0") << QStringList{QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 0 1")}
+                            << QString() << true;
+    QTest::newRow("missing_first_source") << QStringList{QStringLiteral("gone.docx 1 2"), QStringLiteral("b.doc 1 1")}
+                                          << QString() << false;
+    QTest::newRow("missing_second_source") << QStringList{QStringLiteral("a.docx 1 2"), QStringLiteral("gone.doc 1 1")}
+                                           << QString() << true;
+    QTest::newRow("insert_file_fails") << good << QStringLiteral("InsertFile") << true;
+    QTest::newRow("break_fails") << good << QStringLiteral("InsertBreak") << true;
+    QTest::newRow("save_fails") << good << QStringLiteral("SaveAs2") << true;
+    QTest::newRow("cut_fails") << good << QStringLiteral("Delete") << true;
+    QTest::newRow("open_fails") << good << QStringLiteral("Open") << true;
+}
+
+void tst_VSMZylMerger::failsWithoutOutput()
+{
+    QFETCH(QStringList, specs);
+    QFETCH(QString, failingMember);
+    QFETCH(bool, opensAnything);
+    if (!failingMember.isEmpty())
+        FakeZylServer::failCall(failingMember, 0, DISP_E_EXCEPTION);
+    const QByteArray before = checksums();
+
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    MergeTask t = task(specs, QStringLiteral("out.docx"));
+    if (t.workPath.isEmpty())
+        t.workPath = VMEnv::workFilePath(QStringLiteral("none"), QStringLiteral("docx"), 2);
+    runAndWait(merger, t);
+
+    QCOMPARE(log.entries().first(), QStringLiteral("init"));
+    QCOMPARE(log.entries().last(), QStringLiteral("finished -99"));
+    QVERIFY(!merger.isRunning());
+    QVERIFY(!QFile::exists(t.outputPath));
+    QCOMPARE(checksums(), before);
+    QCOMPARE(!FakeZylServer::journal(QStringLiteral("Documents.Open")).isEmpty(), opensAnything);
+    // Whatever was opened was closed before the server was quit, and nothing was saved at outputPath.
+    QStringList sent = FakeZylServer::journal();
+    QCOMPARE(sent.takeLast(), QStringLiteral("call Application.Quit()"));
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Document.Close")).size(),
+             FakeZylServer::journal(QStringLiteral("Documents.Open")).size()
+                 - (failingMember == QLatin1String("Open") ? FakeZylServer::journal(QStringLiteral("Documents.Open")).size() : 0));
+}
+
+void tst_VSMZylMerger::existingOutputIsUntouched()
+{
+    const QString output = m_dir.filePath(QStringLiteral("out.docx"));
+    QVERIFY(FakeZylServer::writeDocument(output, {QStringLiteral("precious")}));
+
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    runAndWait(merger, task({QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1")}, QStringLiteral("out.docx")));
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("init"), QStringLiteral("finished -99")}));
+    QCOMPARE(FakeZylServer::readDocument(output), QStringList{QStringLiteral("precious")});
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Documents.Open")).isEmpty());
+}
+
+void tst_VSMZylMerger::serverCannotBeCreated()
+{
+    FakeZylServer::failCreation(REGDB_E_CLASSNOTREG);
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task({QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1")}, QStringLiteral("out.docx"));
+    runAndWait(merger, t);
+    QCOMPARE(log.entries(), QStringList{QStringLiteral("finished -99")});
+    QVERIFY(!QFile::exists(t.outputPath));
+    QVERIFY(FakeZylServer::journal().isEmpty());
+}
+
+void tst_VSMZylMerger::saveFormat_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("formatArgument");
+    QTest::newRow("doc_to_docx_is_12") << QStringLiteral("b.doc") << QStringLiteral("out.docx") << QStringLiteral("i4:12");
+    QTest::newRow("docx_to_doc_is_0") << QStringLiteral("a.docx") << QStringLiteral("out.doc") << QStringLiteral("i4:0");
+    QTest::newRow("docx_to_zyl_is_0") << QStringLiteral("a.docx") << QStringLiteral("out.zyl") << QStringLiteral("i4:0");
+    QTest::newRow("zyl_to_upper_DOCX_is_0") << QStringLiteral("c.zyl") << QStringLiteral("out.DOCX") << QStringLiteral("i4:0");
+    QTest::newRow("docx_to_docx_keeps_format") << QStringLiteral("a.docx") << QStringLiteral("out.docx") << QStringLiteral("empty");
+    QTest::newRow("doc_to_doc_keeps_format") << QStringLiteral("b.doc") << QStringLiteral("out.doc") << QStringLiteral("empty");
+}
+
+void tst_VSMZylMerger::saveFormat()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, output);
+    QFETCH(QString, formatArgument);
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task({first + QStringLiteral(" 1 1"), QStringLiteral("d.docx 1 1")}, output);
+    runAndWait(merger, t);
+    QCOMPARE(log.entries().last(), QStringLiteral("finished 0"));
+    QCOMPARE(FakeZylServer::journal(QStringLiteral("Document.SaveAs2")),
+             QStringList{QStringLiteral("call Document.SaveAs2(bstr:%1, %2, empty, bstr:, i4:0)")
+                             .arg(t.outputPath, formatArgument)});
+}
+
+void tst_VSMZylMerger::pageBreakFallsBackToParagraph()
+{
+    FakeZylServer::setBreakAddsTwoPages(true);
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task({QStringLiteral("a.docx 1 2"), QStringLiteral("d.docx 2 2")}, QStringLiteral("out.docx"));
+    runAndWait(merger, t);
+    QCOMPARE(log.entries().last(), QStringLiteral("finished 0"));
+
+    QStringList sent = FakeZylServer::journal();
+    const int brk = sent.indexOf(QStringLiteral("call Range.InsertBreak(i4:7)"));
+    QVERIFY(brk > 0);
+    QCOMPARE(sent.mid(brk + 1, 5),
+             QStringList({QStringLiteral("call Document.ComputeStatistics(i4:2)"), QStringLiteral("call Document.Undo(i4:1)"),
+                          QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
+                          QStringLiteral("call Range.InsertParagraph()")}));
+    QCOMPARE(FakeZylServer::readDocument(t.outputPath), QStringList({QStringLiteral("A1"), QStringLiteral("A2\nD2")}));
+}
+
+void tst_VSMZylMerger::cutsTailBeforeHead()
+{
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    // c.zyl is "C1\fC2\fC3\fC4\fC5": pages 2 and 3 stay, 4 to 5 go first, then 1.
+    const MergeTask t = task({QStringLiteral("c.zyl 2 3"), QStringLiteral("d.docx 1 1")}, QStringLiteral("out.zyl"));
+    runAndWait(merger, t);
+    QCOMPARE(log.entries().last(), QStringLiteral("finished 0"));
+
+    QStringList cuts;
+    for (const QString &entry : FakeZylServer::journal()) {
+        if (entry.startsWith(QStringLiteral("call Document.Range(i4:")) || entry == QStringLiteral("call Range.Delete()"))
+            cuts << entry;
+    }
+    QCOMPARE(cuts.mid(0, 4), QStringList({QStringLiteral("call Document.Range(i4:9, i4:14)"), QStringLiteral("call Range.Delete()"),
+                                          QStringLiteral("call Document.Range(i4:0, i4:3)"), QStringLiteral("call Range.Delete()")}));
+    QCOMPARE(FakeZylServer::readDocument(t.outputPath),
+             QStringList({QStringLiteral("C2"), QStringLiteral("C3"), QStringLiteral("D1")}));
+}
+
+void tst_VSMZylMerger::wholeDocumentIsNotCut()
+{
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task({QStringLiteral("d.docx 1 2"), QStringLiteral("b.doc 1 3")}, QStringLiteral("out.docx"));
+    runAndWait(merger, t);
+    QCOMPARE(log.entries().last(), QStringLiteral("finished 0"));
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Range.Delete")).size() == 1); // only the final paragraph mark
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Document.Save")).isEmpty());
+    // Each copy: opened, counted, closed.
+    const QStringList sent = FakeZylServer::journal();
+    QCOMPARE(sent.mid(0, 4), QStringList({QStringLiteral("get Application.Documents()"), sent.at(1),
+                                          QStringLiteral("call Document.ComputeStatistics(i4:2)"),
+                                          QStringLiteral("call Document.Close(i4:0)")}));
+    QCOMPARE(FakeZylServer::readDocument(t.outputPath),
+             QStringList({QStringLiteral("D1"), QStringLiteral("D2"), QStringLiteral("B1"), QStringLiteral("B2"),
+                          QStringLiteral("B3")}));
+}
+
+void tst_VSMZylMerger::cancelBeforeSecondOfThree()
+{
+    // Open 1 is the first source's copy, Open 2 the target: the cancel lands before the second source.
+    FakeZylServer::blockAt(QStringLiteral("Open"), 2);
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    QSignalSpy canceled(&merger, &VSMMerger::canceled);
+    QVERIFY(canceled.isValid());
+    const MergeTask t = task({QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1"), QStringLiteral("c.zyl 1 1")},
+                             QStringLiteral("out.docx"));
+    merger.start(t);
+    QVERIFY(FakeZylServer::waitUntilBlocked(10000));
+    merger.cancel();
+    QCOMPARE(canceled.count(), 1);
+    FakeZylServer::release();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::processEvents();
+
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("init"), QStringLiteral("sub 1 100")}));
+    QVERIFY(!QFile::exists(t.outputPath));
+    QVERIFY(merger.isRunning());
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Range.InsertFile")).isEmpty());
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Document.SaveAs2")).isEmpty());
+    QCOMPARE(FakeZylServer::journal().last(), QStringLiteral("call Application.Quit()"));
+}
+
+void tst_VSMZylMerger::cancelDuringLastAppend()
+{
+    // Opens: first copy, target, second copy, third copy.
+    FakeZylServer::blockAt(QStringLiteral("Open"), 4);
+    VSMZylMerger merger;
+    MergerLog log(&merger);
+    const MergeTask t = task({QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1"), QStringLiteral("c.zyl 2 2")},
+                             QStringLiteral("out.docx"));
+    merger.start(t);
+    QVERIFY(FakeZylServer::waitUntilBlocked(10000));
+    merger.cancel();
+    FakeZylServer::release();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::processEvents();
+
+    QCOMPARE(log.entries(), QStringList({QStringLiteral("init"), QStringLiteral("sub 1 100"),
+                                         QStringLiteral("sub 2 100"), QStringLiteral("sub 3 100")}));
+    QCOMPARE(FakeZylServer::readDocument(t.outputPath),
+             QStringList({QStringLiteral("A1"), QStringLiteral("A2"), QStringLiteral("B1"), QStringLiteral("C2")}));
+    QVERIFY(merger.isRunning());
+}
+
+QTEST_GUILESS_MAIN(tst_VSMZylMerger)
+#include "tst_vsmzylmerger.moc"
