@@ -1,3 +1,3 @@
 #include "vapplogging.h"
 
-Q_LOGGING_CATEGORY(lcVAppHost, "vapphost", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcVAppHost, "vapphost", QtWarningMsg)

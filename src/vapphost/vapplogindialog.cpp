@@ -30,6 +30,8 @@ VAppLoginDialog::VAppLoginDialog(const QString &suggestedName, QWidget *parent)
     m_buttons->button(QDialogButtonBox::Ok)->setText(tr("Sign in"));
 
     auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(18, 16, 18, 14);
+    layout->setSpacing(12);
     layout->addWidget(intro);
     layout->addLayout(form);
     layout->addWidget(m_buttons);
