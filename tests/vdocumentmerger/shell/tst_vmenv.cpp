@@ -1,16 +1,63 @@
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDateTime>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <QtTest>
 
+#include "host/liolite.h"
 #include "shell/vmenv.h"
+
+namespace {
+
+const char fileManagerService[] = "org.freedesktop.FileManager1";
+
+// Stands in for the desktop's file manager on a private bus.
+class FakeFileManager : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+public:
+    struct Call {
+        QString method;
+        QStringList uris;
+    };
+    QList<Call> calls;
+
+public slots:
+    void ShowItems(const QStringList &uris, const QString &startupId)
+    {
+        Q_UNUSED(startupId)
+        calls.append({QStringLiteral("ShowItems"), uris});
+    }
+    void ShowFolders(const QStringList &uris, const QString &startupId)
+    {
+        Q_UNUSED(startupId)
+        calls.append({QStringLiteral("ShowFolders"), uris});
+    }
+};
+
+// Receives what would otherwise go to the desktop's default handlers.
+class UrlSink : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> opened;
+
+public slots:
+    void open(const QUrl &url) { opened.append(url); }
+};
+
+} // namespace
 
 class tst_VMEnv : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanupTestCase();
 
@@ -33,7 +80,20 @@ private slots:
 
     void settingsStartFromDefaults();
 
+    void showInExplorerAsksFileManager_data();
+    void showInExplorerAsksFileManager();
+    void showInExplorerFallsBackToFolder_data();
+    void showInExplorerFallsBackToFolder();
+    void openDocumentWithoutLauncher();
+
 private:
+    bool startPrivateBus();
+
+    QTemporaryDir m_busDir;
+    QProcess m_bus;
+    FakeFileManager m_fileManager;
+    UrlSink m_urlSink;
+
     static QString mergeDest() { return VMEnv::tempRoot() + QStringLiteral("/mergedest"); }
     static void touch(const QString &path)
     {
@@ -44,6 +104,43 @@ private:
     }
 };
 
+// Runs before anything touches the session bus, so the add-on's calls go to the private one.
+void tst_VMEnv::initTestCase()
+{
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), &m_urlSink, "open");
+    if (!startPrivateBus())
+        qWarning("no private session bus; the file-manager cases will be skipped");
+}
+
+bool tst_VMEnv::startPrivateBus()
+{
+    if (!m_busDir.isValid())
+        return false;
+    // No service folders: nothing on this bus can be started on demand.
+    QFile config(m_busDir.filePath(QStringLiteral("session.conf")));
+    if (!config.open(QIODevice::WriteOnly))
+        return false;
+    config.write(QStringLiteral(
+                     "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
+                     "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">"
+                     "<busconfig><type>session</type><listen>unix:dir=%1</listen>"
+                     "<policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                     "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>")
+                     .arg(m_busDir.path())
+                     .toUtf8());
+    config.close();
+    m_bus.start(QStringLiteral("dbus-daemon"),
+                {QStringLiteral("--config-file=") + config.fileName(), QStringLiteral("--nofork"),
+                 QStringLiteral("--print-address=1")});
+    if (!m_bus.waitForStarted(5000) || !m_bus.waitForReadyRead(5000))
+        return false;
+    const QByteArray address = m_bus.readLine().trimmed();
+    if (address.isEmpty())
+        return false;
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    return QDBusConnection::sessionBus().isConnected();
+}
+
 void tst_VMEnv::init()
 {
     VMEnv::removeDirRecursively(VMEnv::tempRoot());
@@ -53,6 +150,12 @@ void tst_VMEnv::init()
 void tst_VMEnv::cleanupTestCase()
 {
     VMEnv::removeDirRecursively(VMEnv::tempRoot());
+    if (m_bus.state() != QProcess::NotRunning) {
+        m_bus.terminate();
+        if (!m_bus.waitForFinished(5000))
+            m_bus.kill();
+        m_bus.waitForFinished(5000);
+    }
 }
 
 void tst_VMEnv::workFilePath_data()
@@ -240,5 +343,84 @@ void tst_VMEnv::settingsStartFromDefaults()
     VMEnv::releaseInstance();
 }
 
-QTEST_GUILESS_MAIN(tst_VMEnv)
+void tst_VMEnv::showInExplorerAsksFileManager_data()
+{
+    QTest::addColumn<bool>("folder");
+    QTest::newRow("file_is_selected_in_its_folder") << false;
+    QTest::newRow("folder_is_opened") << true;
+}
+
+void tst_VMEnv::showInExplorerAsksFileManager()
+{
+    QFETCH(bool, folder);
+    if (!QDBusConnection::sessionBus().isConnected())
+        QSKIP("no private session bus");
+
+    QDBusConnection service = QDBusConnection::connectToBus(
+        QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), QStringLiteral("fake-file-manager"));
+    auto disconnect = qScopeGuard([&] {
+        service.unregisterService(QString::fromLatin1(fileManagerService));
+        service.unregisterObject(QStringLiteral("/org/freedesktop/FileManager1"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("fake-file-manager"));
+    });
+    QVERIFY(service.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &m_fileManager,
+                                   QDBusConnection::ExportAllSlots));
+    QVERIFY(service.registerService(QString::fromLatin1(fileManagerService)));
+    m_fileManager.calls.clear();
+    m_urlSink.opened.clear();
+
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = folder ? dir.filePath(QStringLiteral("sub dir")) : dir.filePath(QStringLiteral("a b.docx"));
+    if (folder)
+        QVERIFY(QDir().mkpath(path));
+    else
+        touch(path);
+
+    QVERIFY(VMEnv::showInExplorer(path));
+    QTRY_COMPARE(m_fileManager.calls.size(), 1);
+    QCOMPARE(m_fileManager.calls.at(0).method, folder ? QStringLiteral("ShowFolders") : QStringLiteral("ShowItems"));
+    QCOMPARE(m_fileManager.calls.at(0).uris, QStringList{QUrl::fromLocalFile(path).toString()});
+}
+
+void tst_VMEnv::showInExplorerFallsBackToFolder_data()
+{
+    QTest::addColumn<bool>("folder");
+    QTest::newRow("file_opens_its_folder") << false;
+    QTest::newRow("folder_opens_itself") << true;
+}
+
+void tst_VMEnv::showInExplorerFallsBackToFolder()
+{
+    QFETCH(bool, folder);
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = folder ? dir.filePath(QStringLiteral("sub")) : dir.filePath(QStringLiteral("x.doc"));
+    if (folder)
+        QVERIFY(QDir().mkpath(path));
+    else
+        touch(path);
+    m_urlSink.opened.clear();
+
+    // Nobody owns the file-manager name on this bus (or there is no bus at all).
+    QVERIFY(VMEnv::showInExplorer(path));
+    QTRY_COMPARE(m_urlSink.opened.size(), 1);
+    QCOMPARE(m_urlSink.opened.at(0), QUrl::fromLocalFile(folder ? path : dir.path()));
+}
+
+void tst_VMEnv::openDocumentWithoutLauncher()
+{
+    if (QFileInfo::exists(QDir(yrt::dirs::resources()).filePath(QStringLiteral("zyl"))))
+        QSKIP("a word-processor launcher is installed; it would really start");
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("merged result.docx"));
+    touch(path);
+    m_urlSink.opened.clear();
+
+    VMEnv::openDocument(path);
+    QCOMPARE(m_urlSink.opened, QList<QUrl>{QUrl::fromLocalFile(path)});
+}
+
+QTEST_MAIN(tst_VMEnv)
 #include "tst_vmenv.moc"
