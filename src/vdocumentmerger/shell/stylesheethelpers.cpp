@@ -9,16 +9,10 @@ QString dpiScaledStyleSheet(const QString &sheet)
 {
     if (sheet.isEmpty())
         return sheet;
-    return dpiScaledStyleSheet(sheet, VLiteStyle::dpi());
-}
-
-QString dpiScaledStyleSheet(const QString &sheet, double factor)
-{
-    if (sheet.isEmpty())
-        return sheet;
     QString result = sheet;
     QRegExp rx(QStringLiteral("\\d+px"), Qt::CaseInsensitive);
     rx.setMinimal(true);
+    const double factor = VLiteStyle::dpi();
     int pos = rx.indexIn(result, 0);
     while (pos != -1) {
         const int digits = rx.matchedLength() - 2;

@@ -8,7 +8,6 @@
 // Style sheets are written in logical pixels; every "<digits>px" (any letter case) is
 // multiplied by the toolkit's scale factor and rounded, halves upward.
 VDOCUMENTMERGER_EXPORT QString dpiScaledStyleSheet(const QString &sheet);
-VDOCUMENTMERGER_EXPORT QString dpiScaledStyleSheet(const QString &sheet, double factor);
 
 // The theme's colour for class and key (or defaultColor) as "rgba(r,g,b,a)", all 0..255.
 VDOCUMENTMERGER_EXPORT QString themeColorRgba(const QString &themeClass, const QString &key,

@@ -9,19 +9,36 @@ class tst_VMBottomOptionWidget : public QObject {
     Q_OBJECT
 
 private slots:
+    void startButtonLook_data();
     void startButtonLook();
     void clicksFollowEnabledState_data();
     void clicksFollowEnabledState();
 };
 
+void tst_VMBottomOptionWidget::startButtonLook_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QSize>("size");
+
+    QTest::newRow("scale_1") << 1.0 << QSize(124, 40);
+    QTest::newRow("scale_1.5") << 1.5 << QSize(186, 60);
+}
+
 void tst_VMBottomOptionWidget::startButtonLook()
 {
+    QFETCH(double, scale);
+    QFETCH(QSize, size);
+    const double previous = VLiteStyle::scaleOverride();
+    auto restore = qScopeGuard([previous] { VLiteStyle::setScaleOverride(previous); });
+    VLiteStyle::setScaleOverride(scale);
+
     VMBottomOptionWidget bar(nullptr);
     auto *button = bar.findChild<VLiteButton *>(QStringLiteral("VMStartMergeButton"));
     QVERIFY(button);
     QVERIFY(!button->isEnabled());
     QCOMPARE(button->text(), QStringLiteral("start merge"));
-    QCOMPARE(button->size(), VLiteStyle::dpiScaledSize(124, 40));
+    QVERIFY2(!button->icon().isNull(), "the start icon set names no known image");
+    QCOMPARE(button->size(), size);
     QCOMPARE(button->minimumSize(), button->maximumSize());
     QCOMPARE(bar.layout()->contentsMargins(), QMargins());
     QCOMPARE(bar.layout()->spacing(), 0);

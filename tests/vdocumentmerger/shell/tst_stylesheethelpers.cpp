@@ -11,7 +11,6 @@ class tst_StyleSheetHelpers : public QObject {
 private slots:
     void dpiScaled_data();
     void dpiScaled();
-    void dpiScaledAtToolkitFactor();
 
     void scrollBarFirstRule();
     void scrollBarPlaceholders_data();
@@ -61,14 +60,11 @@ void tst_StyleSheetHelpers::dpiScaled()
     QFETCH(QString, sheet);
     QFETCH(QString, expected);
 
-    QCOMPARE(dpiScaledStyleSheet(sheet, factor), expected);
-}
-
-void tst_StyleSheetHelpers::dpiScaledAtToolkitFactor()
-{
-    QVERIFY(dpiScaledStyleSheet(QString()).isNull());
-    const QString sheet = QStringLiteral("a{width:10px;height:3px;}");
-    QCOMPARE(dpiScaledStyleSheet(sheet), dpiScaledStyleSheet(sheet, VLiteStyle::dpi()));
+    const double previous = VLiteStyle::scaleOverride();
+    auto restore = qScopeGuard([previous] { VLiteStyle::setScaleOverride(previous); });
+    VLiteStyle::setScaleOverride(factor);
+    QCOMPARE(VLiteStyle::dpi(), factor);
+    QCOMPARE(dpiScaledStyleSheet(sheet), expected);
 }
 
 void tst_StyleSheetHelpers::scrollBarFirstRule()
