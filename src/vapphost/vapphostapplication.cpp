@@ -15,6 +15,7 @@
 #include "vappcontainer.h"
 #include "vapphostwindow.h"
 #include "vapplogging.h"
+#include "vappquitsignals.h"
 #include "vappsingleinstance.h"
 #include "vapptheme.h"
 
@@ -126,6 +127,11 @@ int VAppHostApplication::run(int &argc, char **argv)
                      });
     QObject::connect(&window, &VAppHostWindow::closing, &app, [&addon] {
         addon.destroy();
+        QCoreApplication::quit();
+    });
+    VAppQuitSignals quitSignals;
+    QObject::connect(&quitSignals, &VAppQuitSignals::quitRequested, &window, [&window] {
+        window.close();
         QCoreApplication::quit();
     });
 

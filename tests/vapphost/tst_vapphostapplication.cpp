@@ -255,6 +255,15 @@ void tst_VAppHostApplication::secondStartHandsFilesOver()
     // The second start never loaded the add-on itself.
     QCOMPARE(eventsNamed(events, "probe_initialize").size(), 1);
     QCOMPARE(first->state(), QProcess::Running);
+
+    // Asked to stop by a signal, the host still closes properly and lets the add-on clean up.
+    stopFirst.dismiss();
+    first->terminate();
+    QVERIFY(first->waitForFinished(30000));
+    QCOMPARE(first->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(first->exitCode(), 0);
+    QCOMPARE(eventsNamed(readLog(log), "probe_destroy").size(), 1);
+    QCOMPARE(readLog(log).last().name, QStringLiteral("probe_destroy"));
 }
 
 void tst_VAppHostApplication::screenshotSize_data()
