@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLibrary>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
@@ -45,6 +46,7 @@ private slots:
     void createClientWidgetBeforeInitialize();
 
     void controllerIsChildOfApplication();
+    void exportsResolveByPlainName();
     void initializeRejects_data();
     void initializeRejects();
     void initializeAccepts();
@@ -81,6 +83,33 @@ void tst_CAppController::controllerIsChildOfApplication()
     QCOMPARE(CAppController::instance(), controller);
     QCOMPARE(controller->parent(), QCoreApplication::instance());
     QCOMPARE(appController(), static_cast<IAppController *>(controller));
+}
+
+// The host finds the three entry points by name in the loaded library, as here.
+void tst_CAppController::exportsResolveByPlainName()
+{
+    QLibrary library(QStringLiteral(ADDON_LIBRARY_PATH));
+    QVERIFY2(library.load(), qPrintable(library.errorString()));
+    using InitializeFn = bool (*)(AppFrameWork::IVAppContainer *);
+    using CreateFn = QWidget *(*)(QWidget *);
+    using DestroyFn = bool (*)();
+    auto initialize = reinterpret_cast<InitializeFn>(library.resolve("Initialize"));
+    auto create = reinterpret_cast<CreateFn>(library.resolve("CreateClientWidget"));
+    auto destroy = reinterpret_cast<DestroyFn>(library.resolve("Destroy"));
+    QVERIFY(initialize);
+    QVERIFY(create);
+    QVERIFY(destroy);
+
+    FakeAppContainer app;
+    FakeMainWindow window(&app);
+    QVERIFY(initialize(&app));
+    QCOMPARE(CAppController::instance()->container(), &app);
+    QWidget host;
+    QWidget *client = create(&host);
+    QVERIFY(qobject_cast<VMClientWidget *>(client));
+    QCOMPARE(client->parentWidget(), &host);
+    QVERIFY(destroy());
+    QVERIFY(!CAppController::instance()->container());
 }
 
 void tst_CAppController::initializeRejects_data()

@@ -68,7 +68,6 @@ private slots:
     void workFolderByKind_data();
     void workFolderByKind();
     void workCopyPath();
-    void tempRootFollowsSystemTemp();
 
     void removeDirRecursively_data();
     void removeDirRecursively();
@@ -78,7 +77,6 @@ private slots:
     void showInExplorerMissing_data();
     void showInExplorerMissing();
 
-    void settingsStartFromDefaults();
 
     void showInExplorerAsksFileManager_data();
     void showInExplorerAsksFileManager();
@@ -245,11 +243,6 @@ void tst_VMEnv::workCopyPath()
     QVERIFY(!info.exists());
 }
 
-void tst_VMEnv::tempRootFollowsSystemTemp()
-{
-    QCOMPARE(VMEnv::tempRoot(), QDir::tempPath() + QStringLiteral("/vdocumentmerger"));
-}
-
 void tst_VMEnv::removeDirRecursively_data()
 {
     QTest::addColumn<QStringList>("files");
@@ -323,24 +316,6 @@ void tst_VMEnv::showInExplorerMissing()
 {
     QFETCH(QString, path);
     QVERIFY(!VMEnv::showInExplorer(path));
-}
-
-void tst_VMEnv::settingsStartFromDefaults()
-{
-    VMEnv *env = VMEnv::instance();
-    QVERIFY(env);
-    QCOMPARE(VMEnv::instance(), env);
-    env->setLocation(2);
-    env->setOutputName(QStringLiteral("out"));
-    VMEnv::releaseInstance();
-
-    // A fresh object after release: nothing of the old settings survives.
-    env = VMEnv::instance();
-    QCOMPARE(env->location(), 0);
-    QVERIFY(env->outputName().isEmpty());
-    QVERIFY(env->outputSuffix().isEmpty());
-    QVERIFY(env->customDir().isEmpty());
-    VMEnv::releaseInstance();
 }
 
 void tst_VMEnv::showInExplorerAsksFileManager_data()
