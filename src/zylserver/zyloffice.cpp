@@ -262,8 +262,6 @@ bool ZylOffice::start(QString *error)
         return false;
 
     uno::Reference<bridge::XUnoUrlResolver> resolver = bridge::UnoUrlResolver::create(m_localContext);
-    const rtl::OUString url = rtl::OUString::fromUtf8(
-        ("uno:pipe,name=" + m_pipeName.toStdString() + ";urp;StarOffice.ComponentContext").c_str());
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     bool restarted = false;
     while (std::chrono::steady_clock::now() < until) {
@@ -279,12 +277,16 @@ bool ZylOffice::start(QString *error)
             return false;
         }
         try {
+            // A restart listens on a pipe of its own.
+            const rtl::OUString url = rtl::OUString::fromUtf8(
+                ("uno:pipe,name=" + m_pipeName.toStdString() + ";urp;StarOffice.ComponentContext").c_str());
             uno::Reference<uno::XInterface> remote = resolver->resolve(url);
             m_remoteContext.set(remote, uno::UNO_QUERY_THROW);
             m_desktop = frame::Desktop::create(m_remoteContext);
             qCInfo(lcZylServer) << "office" << m_pid << "ready on pipe" << m_pipeName;
             return true;
-        } catch (const connection::NoConnectException &) {
+        } catch (const connection::NoConnectException &e) {
+            qCDebug(lcZylServer) << "office not listening yet:" << toQString(e.Message);
         } catch (const uno::Exception &e) {
             qCInfo(lcZylServer) << "office not ready yet:" << toQString(e.Message);
         }

@@ -1,0 +1,43 @@
+// Documents with known pages for tests, written and read back through the office itself.
+//
+// makeDocument() writes a flat OpenDocument text with one entry per page and lets the office
+// convert it to the format of the target's suffix (.docx, .doc, .zyl, .odt, .pdf, .fodt).
+// pageTexts() and pdfPageCount() read a document back through the office's own PDF export
+// (pdftotext and pdfinfo from poppler-utils). All functions block; they serialise their use of
+// the office, which runs with a private profile of its own and ends after every conversion.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class ZylTestDocuments {
+public:
+    struct Page {
+        enum Kind {
+            Text,       // one paragraph with the text
+            Landscape,  // the text on a landscape page of its own page style
+            Image,      // the text, then an embedded picture
+            TableStart, // the page begins with a table whose first cell holds the text
+            LongTable   // the text, then a table of tableRows rows that runs on over the next pages
+        };
+        QString text;
+        Kind kind = Text;
+        int tableRows = 60;
+    };
+
+    // Pages of plain text, one entry per page. Returns false and sets error on failure.
+    static bool makeDocument(const QString &path, const QStringList &pageTexts, QString *error = nullptr);
+    static bool makeDocument(const QString &path, const QVector<Page> &pages, QString *error = nullptr);
+    // The flat OpenDocument text that makeDocument() converts.
+    static QByteArray flatDocument(const QVector<Page> &pages);
+
+    // Text of every page as the office prints it, whitespace simplified; empty on failure.
+    static QStringList pageTexts(const QString &path, QString *error = nullptr);
+    // Pages of the office's PDF export; -1 on failure.
+    static int pdfPageCount(const QString &path, QString *error = nullptr);
+    // Converts source into target (format from target's suffix). Target must not exist.
+    static bool convert(const QString &source, const QString &target, QString *error = nullptr);
+    // Writes the office's PDF export of source to pdfPath.
+    static bool exportPdf(const QString &source, const QString &pdfPath, QString *error = nullptr);
+};

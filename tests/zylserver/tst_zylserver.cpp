@@ -1,0 +1,670 @@
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <atomic>
+#include <signal.h>
+#include <thread>
+
+#include <vcomrt/com.h>
+#include <vcomrt/comptr.h>
+
+#include "zylautomation.h"
+#include "zyltestdocuments.h"
+
+using Page = ZylTestDocuments::Page;
+using A = ZylAutomation;
+
+Q_DECLARE_METATYPE(QVector<ZylTestDocuments::Page>)
+
+namespace {
+
+// Office processes this test started: their pipe names carry our process id.
+QList<qint64> ourOffices()
+{
+    QList<qint64> found;
+    const QString marker = QStringLiteral("vzyl_%1_").arg(QCoreApplication::applicationPid());
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool isPid = false;
+        const qint64 pid = entry.toLongLong(&isPid);
+        if (!isPid)
+            continue;
+        QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(entry));
+        if (!cmdline.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray args = cmdline.readAll();
+        if (args.contains("soffice.bin") && args.contains(marker.toLatin1()))
+            found.append(pid);
+    }
+    return found;
+}
+
+QVector<Page> textPages(const QStringList &texts)
+{
+    QVector<Page> pages;
+    for (const QString &t : texts)
+        pages.append(Page{t, Page::Text, 0});
+    return pages;
+}
+
+QString zipEntryHint(const QString &path)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return QString();
+    return QString::fromLatin1(f.read(4096).toHex());
+}
+
+} // namespace
+
+class tst_ZylServer : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void dispatchRules_data();
+    void dispatchRules();
+    void pageCountMatchesPdf_data();
+    void pageCountMatchesPdf();
+    void corpus_data();
+    void corpus();
+    void pageBoundariesAgree_data();
+    void pageBoundariesAgree();
+    void deletePagesKeepsOthers_data();
+    void deletePagesKeepsOthers();
+    void appendDocument();
+    void saveAsFormats_data();
+    void saveAsFormats();
+    void saveAsRefusesExistingTarget();
+    void saveReplacesAtomically();
+    void badFilesFailQuickly_data();
+    void badFilesFailQuickly();
+    void openingLeavesNoLockFile();
+    void quitClosesOnlyOwnDocuments();
+    void twoApplicationsOnTwoThreads();
+    void hungOfficeIsKilled();
+    void deadOfficeIsReplaced();
+
+private:
+    QString makeDoc(const QString &name, const QVector<Page> &pages);
+    QString pageDoc(const QString &name, const QVector<Page> &pages);
+    ComPtr<IDispatch> newApplication();
+
+    QTemporaryDir m_dir;
+    ComPtr<IDispatch> m_app;
+    QHash<QString, QString> m_made;
+};
+
+void tst_ZylServer::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QCOMPARE(CoInitialize(nullptr), S_OK);
+    m_app = newApplication();
+    QVERIFY(m_app);
+}
+
+void tst_ZylServer::cleanupTestCase()
+{
+    if (m_app)
+        A::method(m_app.get(), QStringLiteral("Quit"));
+    m_app.reset();
+    CoUninitialize();
+    // The office ends with the last object that uses it.
+    QTRY_VERIFY_WITH_TIMEOUT(ourOffices().isEmpty(), 30000);
+}
+
+ComPtr<IDispatch> tst_ZylServer::newApplication()
+{
+    ComPtr<IDispatch> app;
+    const HRESULT hr = A::createApplication(&app);
+    if (FAILED(hr))
+        qWarning("CoCreateInstance failed: 0x%08x", unsigned(hr));
+    return app;
+}
+
+QString tst_ZylServer::makeDoc(const QString &name, const QVector<Page> &pages)
+{
+    const QString path = m_dir.filePath(name);
+    if (!QFileInfo::exists(path)) {
+        QString error;
+        if (!ZylTestDocuments::makeDocument(path, pages, &error))
+            qWarning("%s", qPrintable(error));
+    }
+    return path;
+}
+
+// Documents shared by several tests, made once.
+QString tst_ZylServer::pageDoc(const QString &name, const QVector<Page> &pages)
+{
+    if (!m_made.contains(name))
+        m_made.insert(name, makeDoc(name, pages));
+    return m_made.value(name);
+}
+
+void tst_ZylServer::dispatchRules_data()
+{
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QVector<int>>("argTypes"); // VT_I4 or VT_BSTR or VT_EMPTY
+    QTest::addColumn<HRESULT>("expected");
+
+    QTest::newRow("unknown_member") << "Frobnicate" << int(DISPATCH_METHOD) << QVector<int>{} << DISP_E_UNKNOWNNAME;
+    QTest::newRow("statistics_without_argument") << "ComputeStatistics" << int(DISPATCH_METHOD) << QVector<int>{} << DISP_E_BADPARAMCOUNT;
+    QTest::newRow("statistics_with_text") << "ComputeStatistics" << int(DISPATCH_METHOD) << QVector<int>{VT_BSTR} << DISP_E_TYPEMISMATCH;
+    QTest::newRow("statistics_lower_case_name") << "computestatistics" << int(DISPATCH_METHOD) << QVector<int>{VT_I4} << S_OK;
+    QTest::newRow("protection_as_method_too") << "ProtectionType" << int(DISPATCH_METHOD | DISPATCH_PROPERTYGET) << QVector<int>{} << S_OK;
+    QTest::newRow("protection_with_argument") << "ProtectionType" << int(DISPATCH_PROPERTYGET) << QVector<int>{VT_I4} << DISP_E_BADPARAMCOUNT;
+    QTest::newRow("goto_with_text_page") << "GoTo" << int(DISPATCH_METHOD) << QVector<int>{VT_I4, VT_I4, VT_BSTR} << DISP_E_TYPEMISMATCH;
+    QTest::newRow("goto_past_last_page") << "GoTo" << int(DISPATCH_METHOD) << QVector<int>{VT_I4, VT_I4, -99} << E_INVALIDARG;
+    QTest::newRow("range_three_arguments") << "Range" << int(DISPATCH_METHOD) << QVector<int>{VT_I4, VT_I4, VT_I4} << DISP_E_BADPARAMCOUNT;
+    QTest::newRow("range_negative_start") << "Range" << int(DISPATCH_METHOD) << QVector<int>{-1, VT_I4} << E_INVALIDARG;
+    QTest::newRow("saveas_with_number_path") << "SaveAs2" << int(DISPATCH_METHOD) << QVector<int>{VT_I4, VT_EMPTY, VT_EMPTY, VT_BSTR, VT_I4} << DISP_E_TYPEMISMATCH;
+    QTest::newRow("save_put_is_no_member") << "Save" << int(DISPATCH_PROPERTYPUT) << QVector<int>{} << DISP_E_MEMBERNOTFOUND;
+}
+
+void tst_ZylServer::dispatchRules()
+{
+    QFETCH(QString, member);
+    QFETCH(int, kind);
+    QFETCH(QVector<int>, argTypes);
+    QFETCH(HRESULT, expected);
+
+    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    QVector<VARIANT> args;
+    for (int t : argTypes) {
+        if (t == VT_BSTR)
+            args.append(A::text(QStringLiteral("x")));
+        else if (t == VT_EMPTY)
+            args.append(A::empty());
+        else if (t == VT_I4)
+            args.append(A::i4(2));
+        else
+            args.append(A::i4(t == -99 ? 99 : t)); // literal values
+    }
+    VARIANT result;
+    VariantInit(&result);
+    const HRESULT hr = A::invoke(doc.get(), member, WORD(kind), args, &result);
+    VariantClear(&result);
+    QCOMPARE(QString::number(uint(hr), 16), QString::number(uint(expected), 16));
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::pageCountMatchesPdf_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
+
+    const QVector<Page> plain = textPages({"page one", "page two", "page three", "page four"});
+    QTest::newRow("plain_docx") << "plain.docx" << plain;
+    QTest::newRow("plain_doc") << "plain.doc" << plain;
+    QTest::newRow("plain_zyl") << "plain.zyl" << plain;
+    QTest::newRow("table_spanning_pages_docx") << "longtable.docx"
+        << QVector<Page>{{"before table", Page::LongTable, 90}, {"after table", Page::Text, 0}};
+    QTest::newRow("images_docx") << "images.docx"
+        << QVector<Page>{{"first picture", Page::Image, 0}, {"plain", Page::Text, 0}, {"second picture", Page::Image, 0}};
+    QTest::newRow("landscape_section_docx") << "landscape.docx"
+        << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
+    QTest::newRow("landscape_section_zyl") << "landscape.zyl"
+        << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
+}
+
+void tst_ZylServer::pageCountMatchesPdf()
+{
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
+    const QString path = pageDoc(name, pages);
+    const int pdfPages = ZylTestDocuments::pdfPageCount(path);
+    QVERIFY(pdfPages > 0);
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG count = 0;
+    QCOMPARE(A::pageCount(doc.get(), &count), S_OK);
+    QCOMPARE(int(count), pdfPages);
+    LONG protection = 0;
+    QCOMPARE(A::getInt(doc.get(), QStringLiteral("ProtectionType"), &protection), S_OK);
+    QCOMPARE(protection, -1);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::corpus_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("expected");
+    const QString shared = qEnvironmentVariable("VDM_SHARED_DIR", QStringLiteral("/work/shared"));
+    QFile manifest(shared + QStringLiteral("/corpus/manifest.tsv"));
+    QVERIFY2(manifest.open(QIODevice::ReadOnly), qPrintable(manifest.fileName()));
+    const QStringList lines = QString::fromUtf8(manifest.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (int i = 1; i < lines.size(); ++i) {
+        const QStringList cols = lines[i].split(QLatin1Char('\t'));
+        if (cols.size() < 2)
+            continue;
+        QTest::newRow(qPrintable(cols[0])) << shared + QStringLiteral("/corpus/") + cols[0] << cols[1];
+    }
+}
+
+void tst_ZylServer::corpus()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, expected);
+    const QByteArray before = [&] { QFile f(path); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+
+    QElapsedTimer timer;
+    timer.start();
+    ComPtr<IDispatch> doc;
+    const HRESULT opened = A::open(m_app.get(), path, &doc);
+    QVERIFY2(timer.elapsed() < 60000, "opening took more than a minute");
+    if (expected == QLatin1String("fail")) {
+        if (SUCCEEDED(opened)) {
+            LONG protection = -1;
+            QCOMPARE(A::getInt(doc.get(), QStringLiteral("ProtectionType"), &protection), S_OK);
+            QVERIFY2(protection != -1, "a document that must not be merged reports no protection");
+            A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)});
+        }
+    } else {
+        QCOMPARE(opened, S_OK);
+        LONG pages = 0;
+        QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+        QCOMPARE(QString::number(pages), expected);
+        QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    }
+    QFile after(path);
+    QVERIFY(after.open(QIODevice::ReadOnly));
+    QVERIFY2(after.readAll() == before, "the source document changed");
+    QVERIFY(!QFileInfo::exists(QFileInfo(path).absolutePath() + QStringLiteral("/.~lock.") + QFileInfo(path).fileName() + QLatin1Char('#')));
+}
+
+void tst_ZylServer::pageBoundariesAgree_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
+    QTest::newRow("plain_docx") << "plain.docx" << textPages({"page one", "page two", "page three", "page four"});
+    QTest::newRow("table_start_zyl") << "tablestart.zyl"
+        << QVector<Page>{{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"three", Page::Text, 0}};
+    QTest::newRow("longtable_docx") << "longtable.docx"
+        << QVector<Page>{{"before table", Page::LongTable, 90}, {"after table", Page::Text, 0}};
+    QTest::newRow("landscape_docx") << "landscape.docx"
+        << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
+}
+
+void tst_ZylServer::pageBoundariesAgree()
+{
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
+    const QString path = pageDoc(name, pages);
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG count = 0;
+    QCOMPARE(A::pageCount(doc.get(), &count), S_OK);
+    QVERIFY(count >= 2);
+    LONG previousStart = -1;
+    for (LONG n = 1; n <= count; ++n) {
+        LONG start = 0, end = 0;
+        QCOMPARE(A::pageStart(doc.get(), n, &start), S_OK);
+        QCOMPARE(A::pageEnd(doc.get(), n, &end), S_OK);
+        QVERIFY2(start > previousStart, qPrintable(QStringLiteral("page %1 starts at %2").arg(n).arg(start)));
+        QVERIFY(end > start);
+        if (n < count) {
+            LONG next = 0;
+            QCOMPARE(A::pageStart(doc.get(), n + 1, &next), S_OK);
+            QCOMPARE(end, next);
+        }
+        previousStart = start;
+    }
+    LONG whole = 0;
+    ComPtr<IDispatch> range;
+    QCOMPARE(A::methodObject(doc.get(), QStringLiteral("Range"), {}, &range), S_OK);
+    QCOMPARE(A::getInt(range.get(), QStringLiteral("End"), &whole), S_OK);
+    LONG lastEnd = 0;
+    QCOMPARE(A::pageEnd(doc.get(), count, &lastEnd), S_OK);
+    QCOMPARE(lastEnd, whole);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::deletePagesKeepsOthers_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+
+    const QVector<Page> plain = textPages({"page one", "page two", "page three", "page four", "page five"});
+    QTest::newRow("plain_middle") << "del-plain.docx" << plain << 2 << 3;
+    QTest::newRow("plain_first_page") << "del-plain.docx" << plain << 1 << 1;
+    QTest::newRow("plain_first_two") << "del-plain.docx" << plain << 1 << 2;
+    QTest::newRow("plain_to_end") << "del-plain.docx" << plain << 4 << 5;
+    QTest::newRow("plain_last_only") << "del-plain.docx" << plain << 5 << 5;
+    QTest::newRow("plain_doc_middle") << "del-plain.doc" << plain << 3 << 3;
+    QTest::newRow("plain_zyl_middle") << "del-plain.zyl" << plain << 2 << 4;
+    const QVector<Page> landscape = {{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0},
+                                     {"portrait three", Page::Text, 0}, {"landscape four", Page::Landscape, 0},
+                                     {"portrait five", Page::Text, 0}};
+    QTest::newRow("landscape_removed") << "del-landscape.docx" << landscape << 2 << 2;
+    QTest::newRow("portrait_before_landscape_removed") << "del-landscape.docx" << landscape << 3 << 3;
+    QTest::newRow("landscape_first_page_removed") << "del-landscape.zyl" << landscape << 1 << 1;
+    QTest::newRow("landscape_to_end") << "del-landscape.zyl" << landscape << 4 << 5;
+    const QVector<Page> images = {{"picture one", Page::Image, 0}, {"picture two", Page::Image, 0},
+                                  {"plain three", Page::Text, 0}, {"picture four", Page::Image, 0}};
+    QTest::newRow("images_middle") << "del-images.docx" << images << 2 << 3;
+    QTest::newRow("images_to_end") << "del-images.docx" << images << 3 << 4;
+    const QVector<Page> tables = {{"one", Page::Text, 0}, {"table two", Page::TableStart, 0},
+                                  {"three", Page::Text, 0}, {"table four", Page::TableStart, 0}};
+    QTest::newRow("table_page_removed") << "del-tables.zyl" << tables << 2 << 2;
+    QTest::newRow("page_before_table_removed") << "del-tables.zyl" << tables << 3 << 3;
+    QTest::newRow("first_page_before_table_removed") << "del-tables.zyl" << tables << 1 << 1;
+    QTest::newRow("table_page_at_end_removed") << "del-tables.docx" << tables << 4 << 4;
+}
+
+void tst_ZylServer::deletePagesKeepsOthers()
+{
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
+    QFETCH(int, first);
+    QFETCH(int, last);
+
+    const QString source = pageDoc(name, pages);
+    QStringList expected;
+    for (int i = 0; i < pages.size(); ++i) {
+        if (i + 1 < first || i + 1 > last)
+            expected.append(pages[i].text);
+    }
+    const QString work = m_dir.filePath(QStringLiteral("work-%1-%2-%3").arg(first).arg(last).arg(name));
+    QFile::remove(work);
+    QVERIFY(QFile::copy(source, work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    LONG before = 0;
+    QCOMPARE(A::pageCount(doc.get(), &before), S_OK);
+    QCOMPARE(int(before), pages.size());
+    QCOMPARE(A::deletePages(doc.get(), first, last), S_OK);
+    LONG after = 0;
+    QCOMPARE(A::pageCount(doc.get(), &after), S_OK);
+    QCOMPARE(int(after), expected.size());
+
+    const QString saved = m_dir.filePath(QStringLiteral("cut-%1-%2-%3.zyl").arg(first).arg(last).arg(QFileInfo(name).completeBaseName() + QFileInfo(name).suffix()));
+    QFile::remove(saved);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(saved), A::i4(0), A::empty(), A::text(QString()), A::i4(0)}), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(saved);
+    QCOMPARE(texts.size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i)
+        QVERIFY2(texts[i].contains(expected[i]), qPrintable(QStringLiteral("page %1 is '%2', wanted '%3'").arg(i + 1).arg(texts[i], expected[i])));
+    // Orientation survives: a landscape page is still wider than high in the export.
+    const QVector<Page> kept = [&] { QVector<Page> k; for (int i = 0; i < pages.size(); ++i) if (i + 1 < first || i + 1 > last) k.append(pages[i]); return k; }();
+    QTemporaryDir pdfDir;
+    const QString pdf = pdfDir.filePath(QStringLiteral("kept.pdf"));
+    QVERIFY(ZylTestDocuments::exportPdf(saved, pdf));
+    QProcess info;
+    info.start(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QString::number(kept.size()), pdf});
+    QVERIFY(info.waitForFinished(60000));
+    const QString out = QString::fromUtf8(info.readAllStandardOutput());
+    for (int i = 0; i < kept.size(); ++i) {
+        const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("Page\\s+%1 size:\\s+([\\d.]+) x ([\\d.]+)").arg(i + 1)).match(out);
+        QVERIFY2(m.hasMatch(), qPrintable(out));
+        const bool wide = m.captured(1).toDouble() > m.captured(2).toDouble();
+        QCOMPARE(wide, kept[i].kind == Page::Landscape);
+    }
+}
+
+void tst_ZylServer::appendDocument()
+{
+    const QString a = pageDoc(QStringLiteral("append-a.docx"), textPages({"first alpha", "first bravo"}));
+    const QString b = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString target = m_dir.filePath(QStringLiteral("append-target.docx"));
+    QFile::remove(target);
+    QVERIFY(QFile::copy(a, target));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), b), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 5);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(target);
+    QCOMPARE(texts, QStringList({"first alpha", "first bravo", "second alpha", "second bravo", "second charlie"}));
+}
+
+void tst_ZylServer::saveAsFormats_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QVariant>("format"); // invalid: VT_EMPTY
+    QTest::addColumn<QByteArray>("magic");
+    QTest::addColumn<QByteArray>("marker");
+
+    const QByteArray zip("PK\x03\x04", 4);
+    const QByteArray ole("\xD0\xCF\x11\xE0", 4);
+    QTest::newRow("code_12_docx") << "out12.docx" << QVariant(12) << zip << QByteArray("word/document.xml");
+    QTest::newRow("by_extension_docx") << "out0.docx" << QVariant(0) << zip << QByteArray("word/document.xml");
+    QTest::newRow("by_extension_doc") << "out0.doc" << QVariant(0) << ole << QByteArray();
+    QTest::newRow("by_extension_zyl") << "out0.zyl" << QVariant(0) << zip << QByteArray("application/vnd.oasis.opendocument.text");
+    QTest::newRow("no_format_keeps_docx") << "kept.zyl" << QVariant() << zip << QByteArray("word/document.xml");
+}
+
+void tst_ZylServer::saveAsFormats()
+{
+    QFETCH(QString, target);
+    QFETCH(QVariant, format);
+    QFETCH(QByteArray, magic);
+    QFETCH(QByteArray, marker);
+
+    const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    const QString path = m_dir.filePath(target);
+    QFile::remove(path);
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), source, &doc), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"),
+                       {A::text(path), format.isValid() ? A::i4(format.toInt()) : A::empty(), A::empty(), A::text(QString()), A::i4(0)}),
+             S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    QVERIFY2(bytes.startsWith(magic), qPrintable(zipEntryHint(path)));
+    QVERIFY(marker.isEmpty() || bytes.contains(marker));
+    // Nothing is left over from writing.
+    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral(".~vzyl*")}, QDir::Files | QDir::Hidden), QStringList());
+
+    ComPtr<IDispatch> reopened;
+    QCOMPARE(A::open(m_app.get(), path, &reopened), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(reopened.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QCOMPARE(A::method(reopened.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::saveAsRefusesExistingTarget()
+{
+    const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    const QString existing = m_dir.filePath(QStringLiteral("existing.docx"));
+    QFile f(existing);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write("keep me");
+    f.close();
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), source, &doc), S_OK);
+    const HRESULT hr = A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(existing), A::i4(12), A::empty(), A::text(QString()), A::i4(0)});
+    QVERIFY(FAILED(hr));
+    QVERIFY(f.open(QIODevice::ReadOnly));
+    QCOMPARE(f.readAll(), QByteArray("keep me"));
+    // An unknown target type fails too and writes nothing.
+    const QString odd = m_dir.filePath(QStringLiteral("odd.xyz"));
+    QVERIFY(FAILED(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(odd), A::i4(0), A::empty(), A::text(QString()), A::i4(0)})));
+    QVERIFY(!QFileInfo::exists(odd));
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::saveReplacesAtomically()
+{
+    const QString source = pageDoc(QStringLiteral("plain.doc"), textPages({"page one", "page two", "page three", "page four"}));
+    const QString work = m_dir.filePath(QStringLiteral("save-work.doc"));
+    QFile::remove(work);
+    QVERIFY(QFile::copy(source, work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    QCOMPARE(A::deletePages(doc.get(), 2, 2), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QFile file(work);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.read(4) == QByteArray("\xD0\xCF\x11\xE0", 4)); // still the format it was loaded in
+    QCOMPARE(ZylTestDocuments::pageTexts(work), QStringList({"page one", "page three", "page four"}));
+    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral(".~vzyl*")}, QDir::Files | QDir::Hidden), QStringList());
+}
+
+void tst_ZylServer::badFilesFailQuickly_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("garbage_docx") << QByteArray("this is not a document at all\n").repeated(20) << "docx";
+    QTest::newRow("zero_bytes_docx") << QByteArray() << "docx";
+    QTest::newRow("zero_bytes_doc") << QByteArray() << "doc";
+    QTest::newRow("garbage_zyl") << QByteArray("\x01\x02 nothing here", 15) << "zyl";
+    QTest::newRow("truncated_zip_docx") << QByteArray("PK\x03\x04\x14\x00\x06\x00", 8) << "docx";
+}
+
+void tst_ZylServer::badFilesFailQuickly()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, suffix);
+    const QString path = m_dir.filePath(QStringLiteral("bad-%1.%2").arg(QTest::currentDataTag()).arg(suffix));
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(content);
+    f.close();
+    QElapsedTimer timer;
+    timer.start();
+    ComPtr<IDispatch> doc;
+    const HRESULT hr = A::open(m_app.get(), path, &doc);
+    QVERIFY2(FAILED(hr), "a file that is no document opened");
+    QVERIFY(timer.elapsed() < 30000);
+    QVERIFY(!doc);
+    QVERIFY(f.open(QIODevice::ReadOnly));
+    QCOMPARE(f.readAll(), content);
+    // A missing file fails as well, without the office.
+    QVERIFY(FAILED(A::open(m_app.get(), path + QStringLiteral(".missing"), &doc)));
+}
+
+void tst_ZylServer::openingLeavesNoLockFile()
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("locked?.docx"));
+    QVERIFY(QFile::copy(pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"})), path));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList({"locked?.docx"}));
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::quitClosesOnlyOwnDocuments()
+{
+    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    ComPtr<IDispatch> other = newApplication();
+    QVERIFY(other);
+    ComPtr<IDispatch> mine, theirs;
+    QCOMPARE(A::open(m_app.get(), path, &mine), S_OK);
+    QCOMPARE(A::open(other.get(), path, &theirs), S_OK);
+    QCOMPARE(A::method(other.get(), QStringLiteral("Quit")), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(mine.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QVERIFY(FAILED(A::pageCount(theirs.get(), &pages)));
+    QCOMPARE(A::method(mine.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    // Closing twice is an error, not a crash.
+    QVERIFY(FAILED(A::method(mine.get(), QStringLiteral("Close"), {A::i4(0)})));
+}
+
+void tst_ZylServer::twoApplicationsOnTwoThreads()
+{
+    const QString a = pageDoc(QStringLiteral("plain.docx"), textPages({"page one", "page two", "page three", "page four"}));
+    const QString b = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    std::atomic<int> counts[2] = {{-1}, {-1}};
+    auto work = [&](int slot, QString path) {
+        CoInitialize(nullptr);
+        {
+            ComPtr<IDispatch> app;
+            if (SUCCEEDED(A::createApplication(&app))) {
+                for (int round = 0; round < 3; ++round) {
+                    ComPtr<IDispatch> doc;
+                    LONG pages = -1;
+                    if (SUCCEEDED(A::open(app.get(), path, &doc)) && SUCCEEDED(A::pageCount(doc.get(), &pages)))
+                        counts[slot] = round == 2 ? int(pages) : counts[slot].load();
+                    A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)});
+                }
+                A::method(app.get(), QStringLiteral("Quit"));
+            }
+        }
+        CoUninitialize();
+    };
+    std::thread first(work, 0, a);
+    std::thread second(work, 1, b);
+    first.join();
+    second.join();
+    QCOMPARE(counts[0].load(), 4);
+    QCOMPARE(counts[1].load(), 3);
+}
+
+void tst_ZylServer::hungOfficeIsKilled()
+{
+    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    const QList<qint64> offices = ourOffices();
+    QCOMPARE(offices.size(), 1);
+    qputenv("VZYL_CALL_TIMEOUT", "5");
+    auto restore = qScopeGuard([] { qunsetenv("VZYL_CALL_TIMEOUT"); });
+    QVERIFY(offices.first() > 1);
+    QCOMPARE(::kill(pid_t(offices.first()), SIGSTOP), 0);
+    QElapsedTimer timer;
+    timer.start();
+    LONG pages = 0;
+    const HRESULT hr = A::pageCount(doc.get(), &pages);
+    QVERIFY(FAILED(hr));
+    QVERIFY2(timer.elapsed() < 30000, "the stuck call was not cut short");
+    QTRY_VERIFY_WITH_TIMEOUT(!ourOffices().contains(offices.first()), 15000);
+    doc.reset();
+    m_app.reset();
+    m_app = newApplication();
+    QVERIFY(m_app);
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::deadOfficeIsReplaced()
+{
+    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    const QList<qint64> offices = ourOffices();
+    QCOMPARE(offices.size(), 1);
+    QVERIFY(offices.first() > 1);
+    QCOMPARE(::kill(pid_t(offices.first()), SIGKILL), 0);
+    QElapsedTimer timer;
+    timer.start();
+    LONG pages = 0;
+    QVERIFY(FAILED(A::pageCount(doc.get(), &pages)));
+    QVERIFY(timer.elapsed() < 30000);
+    ComPtr<IDispatch> fresh = newApplication();
+    QVERIFY(fresh);
+    ComPtr<IDispatch> again;
+    QCOMPARE(A::open(fresh.get(), path, &again), S_OK);
+    QCOMPARE(A::pageCount(again.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QCOMPARE(A::method(again.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(A::method(fresh.get(), QStringLiteral("Quit")), S_OK);
+    doc.reset();
+    m_app = std::move(fresh);
+}
+
+QTEST_GUILESS_MAIN(tst_ZylServer)
+#include "tst_zylserver.moc"
