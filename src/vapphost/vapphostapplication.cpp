@@ -83,11 +83,13 @@ int VAppHostApplication::run(int &argc, char **argv)
         serverName = VAppSingleInstance::defaultServerName(VAppAccount::localUserName());
     VAppSingleInstance instance(serverName);
     if (!screenshotRun) {
-        if (instance.handOver(VAppSingleInstance::absolutePaths(options.files, QDir::currentPath()))) {
+        const QStringList handed = VAppSingleInstance::absolutePaths(options.files, QDir::currentPath());
+        // The second try covers a host that started listening between our two steps.
+        if (instance.handOver(handed) || (!instance.listen() && instance.handOver(handed))) {
             qCInfo(lcVAppHost) << "handed the files to the running host on" << serverName;
             return ExitOk;
         }
-        if (!instance.listen())
+        if (!instance.isListening())
             qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
     }
 

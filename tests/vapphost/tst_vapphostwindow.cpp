@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QTemporaryDir>
 
 #include "vappcontainer.h"
@@ -29,7 +28,6 @@ private slots:
     void themeSwitchNotifiesSubscribers();
     void unknownThemeRefused();
     void accountMenuFollowsSignIn();
-    void menusPresent();
     void missingClientWidgetShowsNotice();
     void closingEmittedOnce();
     void defaultSizeFollowsScale_data();
@@ -173,17 +171,6 @@ void tst_VAppHostWindow::accountMenuFollowsSignIn()
     window.signOutAction()->trigger();
     QVERIFY(!container.account()->isLogin());
     QVERIFY(window.signInAction()->isEnabled());
-}
-
-void tst_VAppHostWindow::menusPresent()
-{
-    VAppContainer container;
-    VAppHostWindow window(&container);
-    QStringList titles;
-    for (QAction *action : window.menuBar()->actions())
-        titles << action->text().remove(QLatin1Char('&'));
-    QCOMPARE(titles, (QStringList{"Account", "View", "Help"}));
-    QVERIFY(!window.windowTitle().isEmpty());
 }
 
 void tst_VAppHostWindow::missingClientWidgetShowsNotice()

@@ -59,8 +59,6 @@ private slots:
     void silentServerTimesOut();
     void absolutePaths_data();
     void absolutePaths();
-    void defaultServerName_data();
-    void defaultServerName();
 };
 
 void tst_VAppSingleInstance::filesArriveAsSecondInstance_data()
@@ -222,22 +220,6 @@ void tst_VAppSingleInstance::absolutePaths()
 {
     QFETCH(QStringList, files);
     QTEST(VAppSingleInstance::absolutePaths(files, QStringLiteral("/work/dir")), "expected");
-}
-
-void tst_VAppSingleInstance::defaultServerName_data()
-{
-    QTest::addColumn<QString>("userId");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("plain_login") << "alice" << "vapphost-alice";
-    QTest::newRow("slash_and_space_replaced") << "dom/ain user" << "vapphost-dom_ain_user";
-    QTest::newRow("empty_user") << "" << "vapphost-user";
-}
-
-void tst_VAppSingleInstance::defaultServerName()
-{
-    QFETCH(QString, userId);
-    QTEST(VAppSingleInstance::defaultServerName(userId), "expected");
 }
 
 QTEST_GUILESS_MAIN(tst_VAppSingleInstance)
