@@ -4,7 +4,8 @@
 
 #include "vlitethemestore.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QStyle>
 #include <QScreen>
 
 namespace {
@@ -59,13 +60,26 @@ QMargins VLiteStyle::dpiScaledMargins(const QMargins& margins)
                     int(margins.bottom() * f));
 }
 
+namespace {
+
+void applyApplicationPalette()
+{
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()))
+        QApplication::setPalette(VLiteThemeStore::instance()->widgetPalette(QApplication::style()->standardPalette()));
+}
+
+} // namespace
+
 bool VLiteStyle::setTheme(const QString& name)
 {
     VLiteThemeStore* store = VLiteThemeStore::instance();
-    if (store->name() == name)
+    if (store->name() == name) {
+        applyApplicationPalette();
         return true;
+    }
     if (!store->load(name))
         return false;
+    applyApplicationPalette();
     emit notifier()->themeChanged();
     return true;
 }

@@ -199,3 +199,36 @@ QString VLiteThemeStore::scalePixelSizes(const QString& sheet, double factor)
     out += sheet.midRef(last);
     return out;
 }
+
+QPalette VLiteThemeStore::widgetPalette(const QPalette& base) const
+{
+    QPalette pal = base;
+    const auto set = [&pal, this](QPalette::ColorRole role, const char* name) {
+        const QColor c = m_palette.value(QString::fromLatin1(name));
+        if (c.isValid())
+            pal.setColor(QPalette::All, role, c);
+    };
+    set(QPalette::Window, "surface-alt");
+    set(QPalette::WindowText, "text");
+    set(QPalette::Base, "surface");
+    set(QPalette::AlternateBase, "surface-alt");
+    set(QPalette::Text, "text");
+    set(QPalette::Button, "surface");
+    set(QPalette::ButtonText, "text");
+    set(QPalette::ToolTipBase, "surface");
+    set(QPalette::ToolTipText, "text");
+    set(QPalette::PlaceholderText, "text-muted");
+    set(QPalette::Highlight, "accent");
+    set(QPalette::HighlightedText, "text-on-accent");
+    set(QPalette::Link, "accent");
+    set(QPalette::Light, "surface");
+    set(QPalette::Midlight, "border");
+    set(QPalette::Mid, "border-strong");
+    set(QPalette::Dark, "border-strong");
+    const QColor muted = m_palette.value(QStringLiteral("text-muted"));
+    if (muted.isValid()) {
+        for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            pal.setColor(QPalette::Disabled, role, muted);
+    }
+    return pal;
+}

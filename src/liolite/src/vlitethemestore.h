@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QHash>
+#include <QPalette>
 #include <QString>
 #include <QStringList>
 
@@ -36,6 +37,8 @@ public:
     QString rawStyle(const QString& themeClass) const;
 
     QString iconPath(const QString& iconName) const;
+    // Widget palette in the theme's colours, for the plain Qt widgets around the toolkit's.
+    QPalette widgetPalette(const QPalette& base) const;
 
     static QString scalePixelSizes(const QString& sheet, double factor);
     static QString selectorFor(const QString& themeClass);

@@ -27,7 +27,8 @@ public:
 
     // Switches the theme ("light" or "dark"). Returns false and keeps the current theme for an
     // unknown name. Every toolkit widget restyles itself; themeChanged() is emitted once when the
-    // theme really changed. A host sets the theme first and then tells its plug-ins, so that
+    // theme really changed. The application palette takes the theme's colours, so plain Qt
+    // widgets match. A host sets the theme first and then tells its plug-ins, so that
     // their look-ups already see the new colours.
     static bool setTheme(const QString& name);
     static QString themeName();

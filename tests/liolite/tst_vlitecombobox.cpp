@@ -1,0 +1,86 @@
+#include <liolite/vlitecombobox.h>
+
+#include <QAbstractItemView>
+#include <QSignalSpy>
+#include <QtTest>
+
+class tst_VLiteComboBox : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void addItem_keepsDataAndExtra();
+    void currentIndexChanged_bothSignals_data();
+    void currentIndexChanged_bothSignals();
+    void styledPopup_usesThemedList();
+};
+
+void tst_VLiteComboBox::addItem_keepsDataAndExtra()
+{
+    VLiteComboBox combo(nullptr, true);
+    QMap<QString, QVariant> extra;
+    extra.insert(QStringLiteral("tip"), QStringLiteral("cloud"));
+    combo.addItem(QStringLiteral(".docx"), QVariant(), {});
+    combo.addItem(QStringLiteral(".doc"), QVariant(2), extra);
+    QCOMPARE(combo.count(), 2);
+    QCOMPARE(combo.currentText(), QStringLiteral(".docx"));
+    QVERIFY(!combo.itemData(0).isValid());
+    QCOMPARE(combo.itemData(1).toInt(), 2);
+    QVERIFY(combo.itemExtra(0).isEmpty());
+    QCOMPARE(combo.itemExtra(1), extra);
+    QVERIFY(combo.itemExtra(7).isEmpty());
+}
+
+void tst_VLiteComboBox::currentIndexChanged_bothSignals_data()
+{
+    QTest::addColumn<QList<int>>("choices");
+    QTest::addColumn<QList<int>>("expected");
+    QTest::newRow("one_change") << QList<int>{2} << QList<int>{2};
+    QTest::newRow("same_index_is_silent") << QList<int>{0} << QList<int>{};
+    QTest::newRow("there_and_back") << QList<int>{1, 0} << QList<int>{1, 0};
+    QTest::newRow("out_of_range_clears") << QList<int>{1, 9} << QList<int>{1, -1};
+}
+
+void tst_VLiteComboBox::currentIndexChanged_bothSignals()
+{
+    QFETCH(QList<int>, choices);
+    QFETCH(QList<int>, expected);
+
+    VLiteComboBox combo(nullptr, true);
+    for (const QString& suffix : {QStringLiteral(".docx"), QStringLiteral(".doc"), QStringLiteral(".zyl")})
+        combo.addItem(suffix, QVariant(), {});
+
+    QSignalSpy byIndex(&combo, QOverload<int>::of(&QComboBox::currentIndexChanged));
+    QSignalSpy byText(&combo, SIGNAL(currentIndexChanged(QString)));
+    QVERIFY(byIndex.isValid());
+    QVERIFY(byText.isValid());
+    for (int choice : choices)
+        combo.setCurrentIndex(choice);
+
+    QCOMPARE(byIndex.count(), expected.size());
+    QCOMPARE(byText.count(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(byIndex.at(i).at(0).toInt(), expected[i]);
+        QCOMPARE(byText.at(i).at(0).toString(), expected[i] < 0 ? QString() : combo.itemText(expected[i]));
+    }
+}
+
+void tst_VLiteComboBox::styledPopup_usesThemedList()
+{
+    VLiteComboBox styled(nullptr, true);
+    VLiteComboBox plain(nullptr, false);
+    QCOMPARE(styled.view()->objectName(), QStringLiteral("vlite_combo_list"));
+    QVERIFY(plain.view()->objectName() != QStringLiteral("vlite_combo_list"));
+
+    styled.addItem(QStringLiteral(".docx"));
+    styled.addItem(QStringLiteral(".doc"));
+    styled.setDisplayCheckState(true);
+    const QSize withMark = styled.view()->sizeHintForIndex(styled.model()->index(0, 0));
+    styled.setDisplayCheckState(false);
+    const QSize without = styled.view()->sizeHintForIndex(styled.model()->index(0, 0));
+    // Room for the check mark beside the text.
+    QVERIFY(withMark.width() > without.width());
+}
+
+QTEST_MAIN(tst_VLiteComboBox)
+#include "tst_vlitecombobox.moc"

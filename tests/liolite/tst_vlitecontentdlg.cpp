@@ -1,0 +1,296 @@
+#include <liolite/vdrawhelper.h>
+#include <liolite/vlitebutton.h>
+#include <liolite/vlitecontentdlg.h>
+#include <liolite/vlitestyle.h>
+
+#include <QLabel>
+#include <QPointer>
+#include <QtTest>
+
+namespace {
+
+class CountingDlg : public VLiteContentDlg
+{
+public:
+    using VLiteContentDlg::VLiteContentDlg;
+    int styleChanges = 0;
+
+protected:
+    void changeStyle() override
+    {
+        ++styleChanges;
+        VLiteContentDlg::changeStyle();
+    }
+};
+
+// Runs action once the dialog's own event loop is running and the dialog is shown.
+void whenShown(VLiteContentDlg* dlg, const std::function<void()>& action)
+{
+    QTimer::singleShot(0, dlg, [dlg, action] {
+        if (dlg->isVisible())
+            action();
+        else
+            dlg->done(-100);
+    });
+}
+
+QColor pixelAt(QWidget* widget, const QPoint& pos)
+{
+    return widget->grab().toImage().pixelColor(pos);
+}
+
+} // namespace
+
+class tst_VLiteContentDlg : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void exec_result_data();
+    void exec_result();
+    void exec_resetsClickedButtonBetweenRuns();
+    void buttons_defaultsAndUnknownKinds();
+    void titleIcon_byType_data();
+    void titleIcon_byType();
+    void customContentWidget_replacesText();
+    void titleDrag_data();
+    void titleDrag();
+    void themeSwitch_restylesOpenDialog();
+};
+
+void tst_VLiteContentDlg::init()
+{
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
+}
+
+void tst_VLiteContentDlg::cleanup()
+{
+    VLiteStyle::setTheme(QStringLiteral("light"));
+}
+
+void tst_VLiteContentDlg::exec_result_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<int>("expectedResult");
+    QTest::addColumn<int>("expectedButton");
+
+    QTest::newRow("confirm_button") << "button0" << 1 << int(VLiteContentDlg::BtnConfirm);
+    QTest::newRow("cancel_button") << "button1" << 7 << int(VLiteContentDlg::BtnCancel);
+    QTest::newRow("third_button") << "button2" << 9 << int(VLiteContentDlg::BtnThird);
+    QTest::newRow("close_button") << "close" << 2 << int(VLiteContentDlg::BtnNone);
+    QTest::newRow("escape_key") << "escape" << 2 << int(VLiteContentDlg::BtnNone);
+    QTest::newRow("reject_call") << "reject" << 2 << int(VLiteContentDlg::BtnNone);
+    QTest::newRow("window_close") << "windowclose" << 2 << int(VLiteContentDlg::BtnNone);
+    QTest::newRow("enter_triggers_confirm") << "enter" << 1 << int(VLiteContentDlg::BtnConfirm);
+}
+
+void tst_VLiteContentDlg::exec_result()
+{
+    QFETCH(QString, action);
+    QFETCH(int, expectedResult);
+    QFETCH(int, expectedButton);
+
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    dlg.setTitle(QStringLiteral("Merge complete"));
+    dlg.setContent(QStringLiteral("/home/user/Documents/Report(1).docx"));
+    dlg.setButtonText(0, QStringLiteral("open file"));
+    dlg.setButtonResult(0, 1);
+    dlg.setButtonText(1, QStringLiteral("open directory"));
+    dlg.setButtonResult(1, 7);
+    dlg.setButtonText(2, QStringLiteral("later"));
+    dlg.setButtonResult(2, 9);
+    dlg.setButtonVisible(2, true);
+
+    whenShown(&dlg, [&dlg, action] {
+        if (action.startsWith(QLatin1String("button")))
+            QTest::mouseClick(dlg.button(action.right(1).toInt()), Qt::LeftButton);
+        else if (action == QLatin1String("close"))
+            QTest::mouseClick(dlg.findChild<VLiteButton*>(QStringLiteral("vlite_dlg_close")), Qt::LeftButton);
+        else if (action == QLatin1String("escape"))
+            QTest::keyClick(&dlg, Qt::Key_Escape);
+        else if (action == QLatin1String("enter"))
+            QTest::keyClick(dlg.button(0), Qt::Key_Return);
+        else if (action == QLatin1String("reject"))
+            dlg.reject();
+        else if (action == QLatin1String("windowclose"))
+            dlg.close();
+    });
+    QCOMPARE(dlg.exec(), expectedResult);
+    QCOMPARE(dlg.clickedButton(), expectedButton);
+    QVERIFY(!dlg.isVisible());
+}
+
+void tst_VLiteContentDlg::exec_resetsClickedButtonBetweenRuns()
+{
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    whenShown(&dlg, [&dlg] { QTest::mouseClick(dlg.button(1), Qt::LeftButton); });
+    QCOMPARE(dlg.exec(), int(QDialog::Rejected));
+    QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnCancel));
+
+    whenShown(&dlg, [&dlg] { QTest::keyClick(&dlg, Qt::Key_Escape); });
+    QCOMPARE(dlg.exec(), 2);
+    QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnNone));
+}
+
+void tst_VLiteContentDlg::buttons_defaultsAndUnknownKinds()
+{
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    QVERIFY(dlg.isModal());
+    QVERIFY(dlg.windowFlags() & Qt::FramelessWindowHint);
+    QVERIFY(dlg.isButtonVisible(0));
+    QVERIFY(dlg.isButtonVisible(1));
+    QVERIFY(!dlg.isButtonVisible(2));
+    QVERIFY(dlg.buttonResult(0) != 2);
+    QVERIFY(dlg.buttonResult(1) != 2);
+
+    // Unknown kinds are ignored rather than reaching into the button array.
+    for (const int kind : {-1, 3, 100}) {
+        QVERIFY(!dlg.button(kind));
+        dlg.setButtonText(kind, QStringLiteral("x"));
+        dlg.setButtonResult(kind, 5);
+        dlg.setButtonVisible(kind, true);
+        QVERIFY(!dlg.isButtonVisible(kind));
+        QCOMPARE(dlg.buttonText(kind), QString());
+    }
+
+    dlg.setButtonVisible(0, false);
+    bool confirmShown = true;
+    bool cancelShown = false;
+    whenShown(&dlg, [&] {
+        confirmShown = dlg.button(0)->isVisible();
+        cancelShown = dlg.button(1)->isVisible();
+        QTest::mouseClick(dlg.button(1), Qt::LeftButton);
+    });
+    dlg.exec();
+    QVERIFY(!confirmShown);
+    QVERIFY(cancelShown);
+    QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnCancel));
+}
+
+void tst_VLiteContentDlg::titleIcon_byType_data()
+{
+    QTest::addColumn<int>("iconType");
+    QTest::addColumn<bool>("hasIcon");
+    QTest::addColumn<QColor>("dominant");
+    QTest::newRow("none") << int(VLiteContentDlg::IconNone) << false << QColor();
+    QTest::newRow("failure_is_red") << int(VLiteContentDlg::IconFailure) << true << QColor("#E5484D");
+    QTest::newRow("completion_is_green") << int(VLiteContentDlg::IconSuccess) << true << QColor("#2DB36A");
+    QTest::newRow("info_is_blue") << int(VLiteContentDlg::IconInfo) << true << QColor("#417FF9");
+    QTest::newRow("unknown_type") << 42 << false << QColor();
+}
+
+void tst_VLiteContentDlg::titleIcon_byType()
+{
+    QFETCH(int, iconType);
+    QFETCH(bool, hasIcon);
+    QFETCH(QColor, dominant);
+
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    dlg.setTitleIcon(iconType);
+    auto* icon = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_icon"));
+    QVERIFY(icon);
+    QCOMPARE(!icon->isHidden(), hasIcon);
+    if (!hasIcon)
+        return;
+    const QImage image = icon->pixmap(Qt::ReturnByValue).toImage();
+    // A pixel on the ring of the circle, away from the white glyph.
+    const QColor ring = image.pixelColor(image.width() / 2, image.height() / 10 + 1);
+    QCOMPARE(ring.rgb(), dominant.rgb());
+}
+
+void tst_VLiteContentDlg::customContentWidget_replacesText()
+{
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    dlg.setContent(QStringLiteral("text"));
+    auto* text = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_content"));
+    QVERIFY(text);
+
+    QPointer<QWidget> first = new QWidget;
+    dlg.setCustomContentWidget(first, 24);
+    QCOMPARE(dlg.customContentWidget(), first.data());
+    QCOMPARE(first->parentWidget()->window(), &dlg);
+    QVERIFY(text->isHidden());
+    QCOMPARE(first->height(), int(VLiteStyle::dpiScaled(24)));
+
+    QPointer<QWidget> second = new QWidget;
+    second->setFixedHeight(5);
+    dlg.setCustomContentWidget(second, -1);
+    QVERIFY(first.isNull());
+    QCOMPARE(second->height(), 5);
+
+    dlg.setCustomContentWidget(nullptr, -1);
+    QVERIFY(second.isNull());
+    QVERIFY(!text->isHidden());
+    QCOMPARE(dlg.content(), QStringLiteral("text"));
+}
+
+void tst_VLiteContentDlg::titleDrag_data()
+{
+    QTest::addColumn<bool>("hitTest");
+    QTest::newRow("hit_test_on_moves") << true;
+    QTest::newRow("hit_test_off_stays") << false;
+}
+
+void tst_VLiteContentDlg::titleDrag()
+{
+    QFETCH(bool, hitTest);
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
+    dlg.setTitleHitTest(hitTest);
+    dlg.move(100, 100);
+    dlg.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+    const QPoint start = dlg.pos();
+
+    auto* title = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_title"));
+    QVERIFY(title);
+    const QPoint grab(5, title->height() / 2);
+    QTest::mousePress(title, Qt::LeftButton, Qt::NoModifier, grab);
+    QMouseEvent move(QEvent::MouseMove, grab + QPoint(40, 25), title->mapToGlobal(grab + QPoint(40, 25)),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(title, &move);
+    QTest::mouseRelease(title, Qt::LeftButton, Qt::NoModifier, grab + QPoint(40, 25));
+
+    if (hitTest)
+        QTRY_COMPARE(dlg.pos(), start + QPoint(40, 25));
+    else
+        QCOMPARE(dlg.pos(), start);
+}
+
+void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
+{
+    CountingDlg dlg(nullptr, VLiteContentDlg::IconFailure);
+    dlg.setTitle(QStringLiteral("Merge failed"));
+    dlg.setContent(QStringLiteral("Failed to merge the current document, Please set it again"));
+    dlg.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+    const int before = dlg.styleChanges;
+
+    auto* title = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_title"));
+    auto* content = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_content"));
+    QVERIFY(title && content);
+    const QPoint inside(dlg.width() / 2, dlg.height() - 3);
+    const QColor lightSurface = pixelAt(&dlg, inside);
+    const QColor lightTitle = title->palette().color(QPalette::WindowText);
+    QCOMPARE(lightSurface, VDrawHelper::getColorFromTheme("VLiteContentDlg", "background", QColor()));
+
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
+    QCOMPARE(dlg.styleChanges, before + 1);
+    const QColor darkSurface = VDrawHelper::getColorFromTheme("VLiteContentDlg", "background", QColor());
+    QTRY_COMPARE(pixelAt(&dlg, inside), darkSurface);
+    QVERIFY(darkSurface.lightness() < lightSurface.lightness());
+    QTRY_COMPARE(title->palette().color(QPalette::WindowText),
+                 VDrawHelper::getColorFromTheme("VLiteContentDlg", "title", QColor()));
+    QVERIFY(title->palette().color(QPalette::WindowText) != lightTitle);
+    QCOMPARE(content->palette().color(QPalette::WindowText),
+             VDrawHelper::getColorFromTheme("VLiteContentDlg", "content", QColor()));
+
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
+    QCOMPARE(dlg.styleChanges, before + 2);
+    QTRY_COMPARE(pixelAt(&dlg, inside), lightSurface);
+}
+
+QTEST_MAIN(tst_VLiteContentDlg)
+#include "tst_vlitecontentdlg.moc"

@@ -1,0 +1,210 @@
+#include <liolite/vliteclickablelabel.h>
+#include <liolite/vlitelabel.h>
+#include <liolite/vlitestyle.h>
+
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+// Like the add-on's row labels: the elide mode comes from an override.
+class MiddleElidingLabel : public VLiteLabel
+{
+public:
+    using VLiteLabel::VLiteLabel;
+    Qt::TextElideMode textElideMode() const override { return Qt::ElideMiddle; }
+};
+
+const QString LongName = QStringLiteral("Quarterly report of the northern region 2026 final version.docx");
+
+} // namespace
+
+Q_DECLARE_METATYPE(Qt::MouseButton)
+
+class tst_VLiteLabel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void autoElide_data();
+    void autoElide();
+    void autoElide_followsResize();
+    void autoElide_offShowsWholeText();
+    void autoElide_lowersMinimumWidth();
+    void autoElide_paintsElidedText();
+
+    void clickableLabel_data();
+    void clickableLabel();
+    void clickableLabel_underline_data();
+    void clickableLabel_underline();
+};
+
+void tst_VLiteLabel::autoElide_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("elided");
+
+    QTest::newRow("wide_enough_right") << 2000 << int(Qt::ElideRight) << false;
+    QTest::newRow("narrow_right") << 120 << int(Qt::ElideRight) << true;
+    QTest::newRow("narrow_middle") << 120 << int(Qt::ElideMiddle) << true;
+    QTest::newRow("narrow_left") << 120 << int(Qt::ElideLeft) << true;
+    QTest::newRow("very_narrow_middle") << 20 << int(Qt::ElideMiddle) << true;
+}
+
+void tst_VLiteLabel::autoElide()
+{
+    QFETCH(int, width);
+    QFETCH(int, mode);
+    QFETCH(bool, elided);
+
+    VLiteLabel label(LongName);
+    label.setTextAutoElide(true);
+    label.setTextElideMode(Qt::TextElideMode(mode));
+    label.resize(width, 22);
+
+    const QString shown = label.displayedText();
+    QCOMPARE(label.text(), LongName);
+    QCOMPARE(shown != LongName, elided);
+    if (!elided)
+        return;
+    const QChar ellipsis(0x2026);
+    QVERIFY2(shown.contains(ellipsis), qPrintable(shown));
+    QVERIFY(QFontMetrics(label.font()).horizontalAdvance(shown) <= label.contentsRect().width());
+    const QString kept = QString(shown).remove(ellipsis);
+    switch (mode) {
+    case Qt::ElideRight:
+        QVERIFY(shown.endsWith(ellipsis));
+        QVERIFY(LongName.startsWith(kept));
+        break;
+    case Qt::ElideLeft:
+        QVERIFY(shown.startsWith(ellipsis));
+        QVERIFY(LongName.endsWith(kept));
+        break;
+    case Qt::ElideMiddle:
+        if (width > 60) {
+            QVERIFY(!shown.startsWith(ellipsis) && !shown.endsWith(ellipsis));
+            QVERIFY(LongName.startsWith(shown.section(ellipsis, 0, 0)));
+            QVERIFY(LongName.endsWith(shown.section(ellipsis, 1)));
+        }
+        break;
+    }
+}
+
+void tst_VLiteLabel::autoElide_followsResize()
+{
+    MiddleElidingLabel label(LongName);
+    label.setTextAutoElide(true);
+    label.resize(100, 22);
+    const QString narrow = label.displayedText();
+    label.resize(220, 22);
+    const QString wider = label.displayedText();
+    QVERIFY(narrow.contains(QChar(0x2026)));
+    QVERIFY(wider.contains(QChar(0x2026)));
+    QVERIFY(wider.size() > narrow.size());
+    // The subclass's mode is the one used.
+    QVERIFY(LongName.endsWith(narrow.section(QChar(0x2026), 1)));
+    label.resize(QFontMetrics(label.font()).horizontalAdvance(LongName) + 10, 22);
+    QCOMPARE(label.displayedText(), LongName);
+}
+
+void tst_VLiteLabel::autoElide_offShowsWholeText()
+{
+    VLiteLabel label(LongName);
+    label.resize(80, 22);
+    QCOMPARE(label.displayedText(), LongName);
+    label.setTextAutoElide(true);
+    QVERIFY(label.displayedText() != LongName);
+    label.setTextAutoElide(false);
+    QCOMPARE(label.displayedText(), LongName);
+
+    // Word-wrapped and rich text are left to QLabel.
+    label.setTextAutoElide(true);
+    label.setText(QStringLiteral("<b>") + LongName + QStringLiteral("</b>"));
+    QCOMPARE(label.displayedText(), label.text());
+}
+
+void tst_VLiteLabel::autoElide_lowersMinimumWidth()
+{
+    VLiteLabel label(LongName);
+    const int full = label.minimumSizeHint().width();
+    label.setTextAutoElide(true);
+    QVERIFY(label.minimumSizeHint().width() < full / 4);
+}
+
+void tst_VLiteLabel::autoElide_paintsElidedText()
+{
+    // The painted pixels must match a label that shows the shortened text itself.
+    VLiteLabel eliding(LongName);
+    eliding.setTextAutoElide(true);
+    eliding.resize(120, 22);
+    VLiteLabel reference(eliding.displayedText());
+    reference.resize(120, 22);
+    QCOMPARE(eliding.grab().toImage(), reference.grab().toImage());
+
+    VLiteLabel whole(LongName);
+    whole.resize(120, 22);
+    QVERIFY(eliding.grab().toImage() != whole.grab().toImage());
+}
+
+void tst_VLiteLabel::clickableLabel_data()
+{
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<bool>("releaseInside");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<int>("clicks");
+
+    QTest::newRow("left_click_inside") << Qt::LeftButton << true << true << 1;
+    QTest::newRow("left_release_outside") << Qt::LeftButton << false << true << 0;
+    QTest::newRow("right_click") << Qt::RightButton << true << true << 0;
+    QTest::newRow("disabled") << Qt::LeftButton << true << false << 0;
+}
+
+void tst_VLiteLabel::clickableLabel()
+{
+    QFETCH(Qt::MouseButton, button);
+    QFETCH(bool, releaseInside);
+    QFETCH(bool, enabled);
+    QFETCH(int, clicks);
+
+    VLiteClickableLabel label(QStringLiteral("Invert Selection"));
+    label.resize(120, 22);
+    label.setEnabled(enabled);
+    QSignalSpy spy(&label, &VLiteClickableLabel::labelClickFinished);
+    QVERIFY(spy.isValid());
+    QTest::mousePress(&label, button, Qt::NoModifier, QPoint(10, 10));
+    QTest::mouseRelease(&label, button, Qt::NoModifier, releaseInside ? QPoint(12, 10) : QPoint(400, 10));
+    QCOMPARE(spy.count(), clicks);
+    QCOMPARE(label.cursor().shape(), Qt::PointingHandCursor);
+}
+
+void tst_VLiteLabel::clickableLabel_underline_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("underlinedIdle");
+    QTest::addColumn<bool>("underlinedHover");
+    QTest::newRow("never") << 0 << false << false;
+    QTest::newRow("on_hover") << 1 << false << true;
+    QTest::newRow("always") << 2 << true << true;
+}
+
+void tst_VLiteLabel::clickableLabel_underline()
+{
+    QFETCH(int, mode);
+    QFETCH(bool, underlinedIdle);
+    QFETCH(bool, underlinedHover);
+
+    VLiteClickableLabel label(QStringLiteral("Invert Selection"));
+    label.setUnderlineMode(mode);
+    label.ensurePolished();
+    QCOMPARE(label.font().underline(), underlinedIdle);
+    QEvent enter(QEvent::Enter);
+    QApplication::sendEvent(&label, &enter);
+    QCOMPARE(label.font().underline(), underlinedHover);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&label, &leave);
+    QCOMPARE(label.font().underline(), underlinedIdle);
+}
+
+QTEST_MAIN(tst_VLiteLabel)
+#include "tst_vlitelabel.moc"

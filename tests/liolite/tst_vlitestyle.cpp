@@ -1,0 +1,219 @@
+#include <liolite/vdrawhelper.h>
+#include <liolite/vlitelabel.h>
+#include <liolite/vlitestyle.h>
+#include <liolite/vlitethemenotifier.h>
+#include <liolite/vlitewidget.h>
+
+#include <QGuiApplication>
+#include <QScopeGuard>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(QMargins)
+
+class tst_VLiteStyle : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void dpi_followsScreenWithoutOverride();
+    void dpi_override_data();
+    void dpi_override();
+    void scaledHelpers_data();
+    void scaledHelpers();
+
+    void setTheme_data();
+    void setTheme();
+    void setTheme_sameThemeIsSilent();
+    void themeSwitch_restylesShownWidgets();
+    void themeSwitch_keepsAppliedClassPerWidget();
+    void themeLook_scalesPixelSizes_data();
+    void themeLook_scalesPixelSizes();
+};
+
+void tst_VLiteStyle::init()
+{
+    VLiteStyle::setScaleOverride(0);
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
+}
+
+void tst_VLiteStyle::cleanup()
+{
+    VLiteStyle::setScaleOverride(0);
+    VLiteStyle::setTheme(QStringLiteral("light"));
+}
+
+void tst_VLiteStyle::dpi_followsScreenWithoutOverride()
+{
+    QScreen* screen = QGuiApplication::primaryScreen();
+    QVERIFY(screen);
+    QCOMPARE(VLiteStyle::dpi(), screen->logicalDotsPerInch() / 96.0);
+}
+
+void tst_VLiteStyle::dpi_override_data()
+{
+    QTest::addColumn<double>("override");
+    QTest::addColumn<bool>("overrides");
+    QTest::newRow("one_and_a_half") << 1.5 << true;
+    QTest::newRow("two") << 2.0 << true;
+    QTest::newRow("below_one") << 0.75 << true;
+    QTest::newRow("zero_is_none") << 0.0 << false;
+    QTest::newRow("negative_is_none") << -1.25 << false;
+}
+
+void tst_VLiteStyle::dpi_override()
+{
+    QFETCH(double, override);
+    QFETCH(bool, overrides);
+    const double screen = QGuiApplication::primaryScreen()->logicalDotsPerInch() / 96.0;
+    VLiteStyle::setScaleOverride(override);
+    QCOMPARE(VLiteStyle::dpi(), overrides ? override : screen);
+    VLiteStyle::setScaleOverride(0);
+    QCOMPARE(VLiteStyle::dpi(), screen);
+}
+
+void tst_VLiteStyle::scaledHelpers_data()
+{
+    QTest::addColumn<double>("factor");
+    QTest::addColumn<double>("length");
+    QTest::addColumn<double>("scaledLength");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("scaledSize");
+    QTest::addColumn<QMargins>("margins");
+    QTest::addColumn<QMargins>("scaledMargins");
+
+    QTest::newRow("factor_1") << 1.0 << 16.0 << 16.0 << QSize(372, 8) << QSize(372, 8)
+                              << QMargins(28, 0, 28, 28) << QMargins(28, 0, 28, 28);
+    QTest::newRow("factor_1.25_truncates") << 1.25 << 3.0 << 3.75 << QSize(372, 7) << QSize(465, 8)
+                                           << QMargins(28, 1, 3, 5) << QMargins(35, 1, 3, 6);
+    QTest::newRow("factor_1.5") << 1.5 << 14.0 << 21.0 << QSize(124, 40) << QSize(186, 60)
+                                << QMargins(19, 0, 19, 0) << QMargins(28, 0, 28, 0);
+    QTest::newRow("factor_2") << 2.0 << 0.5 << 1.0 << QSize(0, 1) << QSize(0, 2)
+                              << QMargins(-1, 2, 3, 4) << QMargins(-2, 4, 6, 8);
+    QTest::newRow("factor_1.75_negative_truncates_toward_zero") << 1.75 << -3.0 << -5.25 << QSize(3, 5)
+                                                               << QSize(5, 8) << QMargins(-3, 0, 0, 0)
+                                                               << QMargins(-5, 0, 0, 0);
+}
+
+void tst_VLiteStyle::scaledHelpers()
+{
+    QFETCH(double, factor);
+    QFETCH(double, length);
+    QFETCH(double, scaledLength);
+    QFETCH(QSize, size);
+    QFETCH(QSize, scaledSize);
+    QFETCH(QMargins, margins);
+    QFETCH(QMargins, scaledMargins);
+
+    VLiteStyle::setScaleOverride(factor);
+    QCOMPARE(VLiteStyle::dpiScaled(length), scaledLength);
+    QCOMPARE(VLiteStyle::dpiScaledSize(size.width(), size.height()), scaledSize);
+    QCOMPARE(VLiteStyle::dpiScaledMargins(margins), scaledMargins);
+}
+
+void tst_VLiteStyle::setTheme_data()
+{
+    QTest::addColumn<QStringList>("sequence");
+    QTest::addColumn<QList<bool>>("accepted");
+    QTest::addColumn<int>("signalCount");
+    QTest::addColumn<QString>("finalTheme");
+
+    QTest::newRow("light_to_dark") << QStringList{"dark"} << QList<bool>{true} << 1 << "dark";
+    QTest::newRow("dark_and_back") << QStringList{"dark", "light"} << QList<bool>{true, true} << 2 << "light";
+    QTest::newRow("unknown_name_keeps_theme") << QStringList{"sepia"} << QList<bool>{false} << 0 << "light";
+    QTest::newRow("empty_name_keeps_theme") << QStringList{""} << QList<bool>{false} << 0 << "light";
+    QTest::newRow("name_case_matters") << QStringList{"Dark"} << QList<bool>{false} << 0 << "light";
+    QTest::newRow("unknown_after_dark") << QStringList{"dark", "blue"} << QList<bool>{true, false} << 1 << "dark";
+}
+
+void tst_VLiteStyle::setTheme()
+{
+    QFETCH(QStringList, sequence);
+    QFETCH(QList<bool>, accepted);
+    QFETCH(int, signalCount);
+    QFETCH(QString, finalTheme);
+
+    QSignalSpy spy(VLiteStyle::notifier(), &VLiteThemeNotifier::themeChanged);
+    QVERIFY(spy.isValid());
+    for (int i = 0; i < sequence.size(); ++i)
+        QCOMPARE(VLiteStyle::setTheme(sequence[i]), accepted[i]);
+    QCOMPARE(spy.count(), signalCount);
+    QCOMPARE(VLiteStyle::themeName(), finalTheme);
+}
+
+void tst_VLiteStyle::setTheme_sameThemeIsSilent()
+{
+    QSignalSpy spy(VLiteStyle::notifier(), &VLiteThemeNotifier::themeChanged);
+    QVERIFY(spy.isValid());
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
+    QCOMPARE(spy.count(), 0);
+}
+
+void tst_VLiteStyle::themeSwitch_restylesShownWidgets()
+{
+    VLiteWidget area;
+    area.resize(200, 100);
+    area.applyThemeClass(QStringLiteral("VMStyleWidget"));
+    auto* label = new VLiteLabel(QStringLiteral("Selected:"), &area);
+    label->applyThemeClass(QStringLiteral("VMCommonText02_Label"));
+    area.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&area));
+
+    const QColor lightText = VDrawHelper::getColorFromTheme("VMCommonText02_Label", "text", QColor());
+    QTRY_COMPARE(label->palette().color(QPalette::WindowText), lightText);
+    const QColor lightBackground = area.grab().toImage().pixelColor(100, 80);
+
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
+    const QColor darkText = VDrawHelper::getColorFromTheme("VMCommonText02_Label", "text", QColor());
+    QVERIFY(darkText != lightText);
+    QTRY_COMPARE(label->palette().color(QPalette::WindowText), darkText);
+    const QColor darkBackground = area.grab().toImage().pixelColor(100, 80);
+    QCOMPARE(darkBackground, VDrawHelper::getColorFromTheme("VMStyleWidget", "background", QColor()));
+    QVERIFY(darkBackground.lightness() < lightBackground.lightness());
+}
+
+void tst_VLiteStyle::themeSwitch_keepsAppliedClassPerWidget()
+{
+    VLiteLabel plain(QStringLiteral("-"));
+    VLiteLabel failed(QStringLiteral("read fail"));
+    failed.applyThemeClass(QStringLiteral("VMReadFail_Label"));
+    plain.ensurePolished();
+    failed.ensurePolished();
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
+    plain.ensurePolished();
+    failed.ensurePolished();
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(&failed), QStringLiteral("VMReadFail_Label"));
+    QCOMPARE(failed.palette().color(QPalette::WindowText),
+             VDrawHelper::getColorFromTheme("VMReadFail_Label", "text", QColor()));
+    QCOMPARE(plain.palette().color(QPalette::WindowText),
+             VDrawHelper::getColorFromTheme("VLiteLabel", "text", QColor()));
+}
+
+void tst_VLiteStyle::themeLook_scalesPixelSizes_data()
+{
+    QTest::addColumn<double>("factor");
+    QTest::addColumn<int>("pixelSize");
+    // VMStyleLabel is written with a 12px font.
+    QTest::newRow("factor_1") << 1.0 << 12;
+    QTest::newRow("factor_1.25") << 1.25 << 15;
+    QTest::newRow("factor_1.5") << 1.5 << 18;
+    QTest::newRow("factor_2") << 2.0 << 24;
+}
+
+void tst_VLiteStyle::themeLook_scalesPixelSizes()
+{
+    QFETCH(double, factor);
+    QFETCH(int, pixelSize);
+    VLiteStyle::setScaleOverride(factor);
+    VLiteLabel label(QStringLiteral("page count"));
+    label.applyThemeClass(QStringLiteral("VMStyleLabel"));
+    label.ensurePolished();
+    QCOMPARE(label.font().pixelSize(), pixelSize);
+}
+
+QTEST_MAIN(tst_VLiteStyle)
+#include "tst_vlitestyle.moc"
