@@ -11,6 +11,7 @@ PACKAGES=(
   libthrift-dev thrift-compiler
   libreoffice-writer-nogui libreoffice-dev
   xvfb xauth dbus fonts-dejavu-core poppler-utils file
+  fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea
 )
 
 as_root() {
