@@ -33,6 +33,8 @@ private slots:
     void themeSwitch_keepsAppliedClassPerWidget();
     void themeLook_scalesPixelSizes_data();
     void themeLook_scalesPixelSizes();
+    void ownerStyleSheet_data();
+    void ownerStyleSheet();
 };
 
 void tst_VLiteStyle::init()
@@ -213,6 +215,44 @@ void tst_VLiteStyle::themeLook_scalesPixelSizes()
     label.applyThemeClass(QStringLiteral("VMStyleLabel"));
     label.ensurePolished();
     QCOMPARE(label.font().pixelSize(), pixelSize);
+}
+
+void tst_VLiteStyle::ownerStyleSheet_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<bool>("ownerSheetKept");
+
+    // steps: "owner" sets a sheet, "class:<name>" applies a class, "switch" toggles the theme.
+    QTest::newRow("owner_sheet_survives_theme_switch") << "owner switch" << true;
+    QTest::newRow("owner_sheet_after_class_survives_switch") << "class:VMStyleLabel owner switch" << true;
+    QTest::newRow("colour_only_class_keeps_owner_sheet") << "owner class:VMSpinBox switch" << true;
+    QTest::newRow("class_with_look_replaces_owner_sheet") << "owner class:VMStyleLabel" << false;
+    QTest::newRow("class_with_look_replaces_owner_sheet_after_switch") << "owner class:VMStyleLabel switch" << false;
+}
+
+void tst_VLiteStyle::ownerStyleSheet()
+{
+    QFETCH(QString, steps);
+    QFETCH(bool, ownerSheetKept);
+
+    const QString ownerSheet = QStringLiteral("QLabel { color: #123456; }");
+    VLiteLabel label(QStringLiteral("Selected:"));
+    for (const QString& step : steps.split(QLatin1Char(' '))) {
+        if (step == QLatin1String("owner"))
+            label.setStyleSheet(ownerSheet);
+        else if (step.startsWith(QLatin1String("class:")))
+            label.applyThemeClass(step.mid(6));
+        else if (step == QLatin1String("switch"))
+            QVERIFY(VLiteStyle::setTheme(VLiteStyle::themeName() == QLatin1String("light") ? QStringLiteral("dark")
+                                                                                          : QStringLiteral("light")));
+    }
+    label.ensurePolished();
+    QCOMPARE(label.styleSheet() == ownerSheet, ownerSheetKept);
+    if (ownerSheetKept)
+        QCOMPARE(label.palette().color(QPalette::WindowText), QColor("#123456"));
+    else
+        QCOMPARE(label.palette().color(QPalette::WindowText),
+                 VDrawHelper::getColorFromTheme(VDrawHelper::getObjectThemeClassName(&label), "text", QColor()));
 }
 
 QTEST_MAIN(tst_VLiteStyle)

@@ -35,7 +35,7 @@ void VLiteButton::applyDefaultLook()
 {
     const QString wanted = text().isEmpty() ? QStringLiteral("VLiteButton_Icon") : QStringLiteral("VLiteButton");
     if (themeClass() != wanted)
-        VLiteThemeApplier::apply(this, wanted, false);
+        VLiteThemeApplier::applyDefault(this, wanted);
 }
 
 bool VLiteButton::event(QEvent* event)

@@ -28,7 +28,7 @@ VLiteCheckBox::VLiteCheckBox(const QString& text, QWidget* parent)
 {
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::PointingHandCursor);
-    VLiteThemeApplier::apply(this, QStringLiteral("VLiteCheckBox"), false);
+    VLiteThemeApplier::applyDefault(this, QStringLiteral("VLiteCheckBox"));
 }
 
 QRect VLiteCheckBox::indicatorRect() const

@@ -1,5 +1,7 @@
 #include <liolite/vliteclickablelabel.h>
 
+#include "vlitethemeapplier.h"
+
 #include <QMouseEvent>
 
 VLiteClickableLabel::VLiteClickableLabel(QWidget* parent)
@@ -11,7 +13,7 @@ VLiteClickableLabel::VLiteClickableLabel(const QString& text, QWidget* parent)
     : VLiteLabel(text, parent)
 {
     setCursor(Qt::PointingHandCursor);
-    applyThemeClass(QStringLiteral("VLiteClickableLabel"));
+    VLiteThemeApplier::applyDefault(this, QStringLiteral("VLiteClickableLabel"));
 }
 
 void VLiteClickableLabel::setUnderlineMode(int mode)

@@ -20,7 +20,7 @@ VLiteComboBox::VLiteComboBox(QWidget* parent, bool styledPopup)
         setView(list);
         setItemDelegate(new VLiteComboItemDelegate(this));
     }
-    VLiteThemeApplier::apply(this, QStringLiteral("VLiteComboBox"), false);
+    VLiteThemeApplier::applyDefault(this, QStringLiteral("VLiteComboBox"));
 }
 
 void VLiteComboBox::addItem(const QString& text, const QVariant& userData, const QMap<QString, QVariant>& extra)

@@ -2,11 +2,25 @@
 
 #include "vlitethemestore.h"
 
-#include <QGuiApplication>
+#include <QHash>
 #include <QImage>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
+
+namespace {
+
+// Buttons ask for sizes on every paint; parse each image once.
+QSize naturalSize(const QString& path)
+{
+    static QHash<QString, QSize> sizes;
+    auto it = sizes.constFind(path);
+    if (it == sizes.constEnd())
+        it = sizes.insert(path, QSvgRenderer(path).defaultSize());
+    return *it;
+}
+
+} // namespace
 
 VLiteIconEngine::VLiteIconEngine(const QStringList& names)
     : m_names(names)
@@ -91,7 +105,7 @@ QSize VLiteIconEngine::actualSize(const QSize& size, QIcon::Mode mode, QIcon::St
         path = ownPath(QIcon::Normal);
     if (path.isEmpty())
         return QSize();
-    const QSize natural = QSvgRenderer(path).defaultSize();
+    const QSize natural = naturalSize(path);
     if (natural.isEmpty())
         return size;
     return natural.scaled(size, Qt::KeepAspectRatio);
@@ -103,7 +117,7 @@ QList<QSize> VLiteIconEngine::availableSizes(QIcon::Mode mode, QIcon::State stat
     const QString path = ownPath(mode);
     if (path.isEmpty())
         return {};
-    const QSize natural = QSvgRenderer(path).defaultSize();
+    const QSize natural = naturalSize(path);
     return {natural.isEmpty() ? QSize(16, 16) : natural};
 }
 

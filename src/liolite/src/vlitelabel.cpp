@@ -17,7 +17,7 @@ VLiteLabel::VLiteLabel(QWidget* parent)
 VLiteLabel::VLiteLabel(const QString& text, QWidget* parent)
     : QLabel(text, parent)
 {
-    VLiteThemeApplier::apply(this, QStringLiteral("VLiteLabel"), false);
+    VLiteThemeApplier::applyDefault(this, QStringLiteral("VLiteLabel"));
 }
 
 VLiteLabel::~VLiteLabel() = default;

@@ -2,6 +2,8 @@
 
 #include <liolite/vlitestyle.h>
 
+#include "vlitethemeapplier.h"
+
 #include <QHBoxLayout>
 #include <QLineEdit>
 
@@ -19,7 +21,7 @@ VLiteLineEditor::VLiteLineEditor(QWidget* parent, bool clearButton)
     layout->addWidget(m_edit);
     watchFocusOf(m_edit);
     connect(m_edit, &QLineEdit::textChanged, this, &VLiteLineEditor::textChanged);
-    applyThemeClass(QStringLiteral("VLiteLineEditor"));
+    VLiteThemeApplier::applyDefault(this, QStringLiteral("VLiteLineEditor"));
 }
 
 void VLiteLineEditor::setText(const QString& text)

@@ -14,18 +14,29 @@ namespace {
 
 const char* const FollowingProperty = "_liolite_following_theme";
 const char* const AppliedProperty = "_liolite_theme_applied";
+// The sheet the toolkit itself last set, to tell it from one the widget's owner set.
+const char* const SheetProperty = "_liolite_sheet";
 
-void setSheet(QWidget* widget, const QString& themeClass)
+enum class Overwrite { Always, OnlyOwnSheet };
+
+void setSheet(QWidget* widget, const QString& themeClass, Overwrite overwrite)
 {
     const QString sheet = VLiteThemeStore::scalePixelSizes(
         VLiteThemeStore::instance()->styleSheet(themeClass), VLiteStyle::dpi());
-    if (widget->styleSheet() != sheet) {
+    const QString current = widget->styleSheet();
+    const bool ownSheet = current == widget->property(SheetProperty).toString();
+    // A class without a look, or a theme switch, never discards a sheet set by someone else.
+    const bool mayReplace = ownSheet || (overwrite == Overwrite::Always && !sheet.isEmpty());
+    if (mayReplace && current != sheet) {
+        widget->setProperty(SheetProperty, sheet);
         widget->setStyleSheet(sheet);
-    } else {
-        // Same sheet text, but the property may have changed: selectors must be matched again.
-        widget->style()->unpolish(widget);
-        widget->style()->polish(widget);
+        return;
     }
+    if (mayReplace)
+        widget->setProperty(SheetProperty, sheet);
+    // Same sheet text, but the property may have changed: selectors must be matched again.
+    widget->style()->unpolish(widget);
+    widget->style()->polish(widget);
 }
 
 } // namespace
@@ -43,7 +54,18 @@ void VLiteThemeApplier::apply(QWidget* widget, const QString& themeClass, bool c
         }
     }
     widget->setProperty(AppliedProperty, true);
-    setSheet(widget, themeClass);
+    setSheet(widget, themeClass, Overwrite::Always);
+    follow(widget);
+    widget->update();
+}
+
+void VLiteThemeApplier::applyDefault(QWidget* widget, const QString& themeClass)
+{
+    if (!widget)
+        return;
+    widget->setProperty(VDrawHelper::ObjectThemeClassName, themeClass);
+    widget->setProperty(AppliedProperty, true);
+    setSheet(widget, themeClass, Overwrite::OnlyOwnSheet);
     follow(widget);
     widget->update();
 }
@@ -52,7 +74,7 @@ void VLiteThemeApplier::reapply(QWidget* widget)
 {
     const QString themeClass = VDrawHelper::getObjectThemeClassName(widget);
     if (widget->property(AppliedProperty).toBool() && !themeClass.isEmpty())
-        setSheet(widget, themeClass);
+        setSheet(widget, themeClass, Overwrite::OnlyOwnSheet);
     widget->update();
 }
 
