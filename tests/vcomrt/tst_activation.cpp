@@ -160,7 +160,7 @@ void tst_Activation::init()
 void tst_Activation::cleanup()
 {
     CoUninitialize();
-    QTRY_COMPARE(qMax(0, liveServerObjects()), 0);
+    QCOMPARE(qMax(0, liveServerObjects()), 0);
 }
 
 void tst_Activation::concurrentActivation()
