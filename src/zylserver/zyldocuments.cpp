@@ -75,6 +75,11 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
         qCInfo(lcZylServer) << "no such file:" << path;
         return E_INVALIDARG;
     }
+    // The office opens an empty file as a new document of the type its name suggests.
+    if (info.size() == 0) {
+        qCInfo(lcZylServer) << "empty file:" << path;
+        return E_FAIL;
+    }
     const QString absolute = info.absoluteFilePath();
     const QString url = QString::fromLatin1(QUrl::fromLocalFile(absolute).toEncoded());
 
@@ -84,8 +89,6 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
             property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
             property("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
             property("InteractionHandler", uno::Any(uno::Reference<task::XInteractionHandler>(new ZylInteractionHandler))),
-            property("ReadOnly", uno::Any(false)),
-            property("Silent", uno::Any(true)),
         };
         const QString forced = ZylFilters::importFilterFor(absolute);
         if (!forced.isEmpty())

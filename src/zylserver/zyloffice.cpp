@@ -71,6 +71,8 @@ const char *const kProfileSettings =
     "<item oor:path=\"/org.openoffice.Office.Recovery/RecoveryInfo\"><prop oor:name=\"Enabled\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Security/Scripting\"><prop oor:name=\"MacroSecurityLevel\" oor:op=\"fuse\"><value>3</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Security/Scripting\"><prop oor:name=\"DisableMacrosExecution\" oor:op=\"fuse\"><value>true</value></prop></item>\n"
+    // Comment windows need dialog descriptions that a server installation may lack.
+    "<item oor:path=\"/org.openoffice.Office.Writer/Content/Display\"><prop oor:name=\"Note\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Misc\"><prop oor:name=\"ShowTipOfTheDay\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "</oor:items>\n";
 
@@ -179,6 +181,8 @@ bool ZylOffice::spawn(QString *error)
         "--nofirststartwizard",
         "-env:UserInstallation=" + profileUrl,
         "--accept=pipe,name=" + m_pipeName.toStdString() + ";urp;StarOffice.ComponentContext"};
+    // Office diagnostics go to a file only when asked for.
+    const QByteArray logPath = qgetenv("VZYL_OFFICE_LOG");
     std::vector<char *> argv;
     for (std::string &a : args)
         argv.push_back(a.data());
@@ -192,10 +196,11 @@ bool ZylOffice::spawn(QString *error)
     }
     if (pid == 0) {
         const int null = open("/dev/null", O_RDWR);
+        const int log = logPath.isEmpty() ? -1 : open(logPath.constData(), O_WRONLY | O_CREAT | O_APPEND, 0600);
         if (null >= 0) {
             dup2(null, STDIN_FILENO);
-            dup2(null, STDOUT_FILENO);
-            dup2(null, STDERR_FILENO);
+            dup2(log >= 0 ? log : null, STDOUT_FILENO);
+            dup2(log >= 0 ? log : null, STDERR_FILENO);
         }
         closeInheritedFiles();
         signal(SIGPIPE, SIG_DFL);
