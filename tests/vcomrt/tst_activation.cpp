@@ -124,6 +124,7 @@ private slots:
     void registrationFormat();
     void searchOrder();
     void testDoublesStayOutOfDefaultFolder();
+    void defaultFolderBesideRuntime();
 
 private:
     QTemporaryDir m_extraRegistry;
@@ -466,6 +467,38 @@ void tst_Activation::testDoublesStayOutOfDefaultFolder()
     void *object = reinterpret_cast<void *>(0x1);
     QCOMPARE(CoCreateInstance(CLSID_VComRtTestObject, nullptr, 0x17, IID_IDispatch, &object), REGDB_E_CLASSNOTREG);
     QVERIFY(!object);
+}
+
+void tst_Activation::defaultFolderBesideRuntime()
+{
+    Dl_info info;
+    QVERIFY(dladdr(reinterpret_cast<void *>(&CoCreateInstance), &info) && info.dli_fname);
+    const QDir folder(QFileInfo(QString::fromLocal8Bit(info.dli_fname)).absolutePath() + QStringLiteral("/vcomrt.d"));
+    const QStringList files = folder.entryList({QStringLiteral("*.reg")}, QDir::Files, QDir::Name);
+    if (files.isEmpty())
+        QSKIP("no server of the product is registered in this build");
+
+    RegistryOverride none(QByteArray(""));
+    QSet<QString> seen;
+    for (const QString &name : files) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QString progId;
+        QString clsidText;
+        for (const QByteArray &line : file.readAll().split('\n')) {
+            const QString text = QString::fromUtf8(line).trimmed();
+            if (text.startsWith(QLatin1String("ProgID="), Qt::CaseInsensitive))
+                progId = text.mid(7).trimmed();
+            else if (text.startsWith(QLatin1String("CLSID="), Qt::CaseInsensitive))
+                clsidText = text.mid(6).trimmed().toUpper();
+        }
+        if (progId.isEmpty() || seen.contains(progId.toLower()))
+            continue;
+        seen.insert(progId.toLower());
+        CLSID clsid;
+        QCOMPARE(clsidOf(progId, &clsid), S_OK);
+        QCOMPARE(guidText(clsid), clsidText);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Activation)
