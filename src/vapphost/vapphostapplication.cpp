@@ -74,11 +74,13 @@ int VAppHostApplication::run(int &argc, char **argv)
     // The event loop must outlive the add-on's dialogs being closed.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    // Screenshot runs stand alone: they neither hand over to nor serve later starts.
+    // A screenshot run always opens its own window. It serves later starts only under a
+    // name given explicitly, so that it never takes the user's own host name.
     const bool screenshotRun = !options.screenshotPath.isEmpty();
     QString serverName = options.serverName;
     if (serverName.isEmpty())
         serverName = QString::fromLocal8Bit(qgetenv("VAPPHOST_SERVER_NAME"));
+    const bool explicitName = !serverName.isEmpty();
     if (serverName.isEmpty())
         serverName = VAppSingleInstance::defaultServerName(VAppAccount::localUserName());
     VAppSingleInstance instance(serverName);
@@ -89,9 +91,11 @@ int VAppHostApplication::run(int &argc, char **argv)
             qCInfo(lcVAppHost) << "handed the files to the running host on" << serverName;
             return ExitOk;
         }
-        if (!instance.isListening())
-            qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
+    } else if (explicitName) {
+        instance.listen();
     }
+    if (!instance.isListening() && (!screenshotRun || explicitName))
+        qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
 
     if (options.scale > 0)
         VAppTheme::setScale(options.scale);
