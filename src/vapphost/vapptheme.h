@@ -4,8 +4,8 @@
 
 #include "vapphost_export.h"
 
-// Switches the whole process between the light and the dark theme: the toolkit's theme
-// store, and the palette that plain Qt widgets (menus, the sign-in dialog) paint with.
+// Switches the whole process between the light and the dark theme: the toolkit's theme store
+// and, through it, the palette that plain Qt widgets (menus, the sign-in dialog) paint with.
 class VAPPHOST_EXPORT VAppTheme {
 public:
     // "light" or "dark"; anything else is refused with false and changes nothing.

@@ -131,6 +131,11 @@ void tst_VAppHostWindow::themeSwitchNotifiesSubscribers()
     QCOMPARE(window.theme(), final);
     QCOMPARE(window.darkThemeAction()->isChecked(), final == QLatin1String("dark"));
     QCOMPARE(window.lightThemeAction()->isChecked(), final == QLatin1String("light"));
+    // Plain Qt widgets (menus, the sign-in dialog) follow through the application palette.
+    QCOMPARE(QApplication::palette().color(QPalette::Window).lightness() < 128,
+             final == QLatin1String("dark"));
+    QCOMPARE(QApplication::palette().color(QPalette::WindowText).lightness() > 128,
+             final == QLatin1String("dark"));
 }
 
 void tst_VAppHostWindow::unknownThemeRefused()
