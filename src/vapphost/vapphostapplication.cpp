@@ -73,6 +73,8 @@ int VAppHostApplication::run(int &argc, char **argv)
     QApplication::setApplicationVersion(QStringLiteral(VAPPHOST_VERSION));
     // The event loop must outlive the add-on's dialogs being closed.
     QApplication::setQuitOnLastWindowClosed(false);
+    // Watched from here on; a signal before the window exists waits in the pipe until then.
+    VAppQuitSignals quitSignals;
 
     // A screenshot run always opens its own window. It serves later starts only under a
     // name given explicitly, so that it never takes the user's own host name.
@@ -135,7 +137,6 @@ int VAppHostApplication::run(int &argc, char **argv)
         addon.destroy();
         QCoreApplication::quit();
     });
-    VAppQuitSignals quitSignals;
     QObject::connect(&quitSignals, &VAppQuitSignals::quitRequested, &window, [&window] {
         window.close();
         QCoreApplication::quit();
