@@ -3,6 +3,7 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QMutexLocker>
+#include <QThread>
 
 #include "fakezylobject.h"
 #include "fakezylstate.h"
@@ -61,12 +62,30 @@ FakeZylState &FakeZylState::instance()
     return state;
 }
 
+// FAKEZYL_HOLD="<member>:<occurrence>:<file>" holds that call in a program the test cannot
+// script directly: the double writes "<file>.held" and goes on once <file> exists.
+static void holdFromEnvironment(const QString &member, int occurrence)
+{
+    const QStringList hold = qEnvironmentVariable("FAKEZYL_HOLD").split(QLatin1Char(':'));
+    if (hold.size() != 3 || hold.at(0) != member || hold.at(1).toInt() != occurrence)
+        return;
+    QFile held(hold.at(2) + QStringLiteral(".held"));
+    if (held.open(QIODevice::WriteOnly))
+        held.close();
+    const QDeadlineTimer deadline(60000);
+    while (!QFile::exists(hold.at(2)) && !deadline.hasExpired())
+        QThread::msleep(10);
+}
+
 HRESULT FakeZylState::enter(const QString &member)
 {
     QMutexLocker locker(&mutex);
     if (member != QLatin1String("CreateInstance"))
         ++invocations;
     const int occurrence = ++callCounts[member];
+    locker.unlock();
+    holdFromEnvironment(member, occurrence);
+    locker.relock();
     if (member == blockMember && occurrence == blockOccurrence) {
         blocked = true;
         changed.wakeAll();
