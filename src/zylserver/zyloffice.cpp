@@ -137,6 +137,8 @@ std::shared_ptr<ZylOffice> ZylOffice::acquire(QString *error)
     if (std::shared_ptr<ZylOffice> office = current.lock()) {
         if (office->isAlive())
             return office;
+        // A crashed office may still be dying on the shared profile: make sure it is gone.
+        office->abandon();
     }
     {
         // One profile serves one process at a time: wait until an office that is ending has gone.
@@ -303,14 +305,25 @@ bool ZylOffice::start(QString *error)
 
 bool ZylOffice::isAlive() const
 {
-    if (m_dead)
-        return false;
     const int exit = const_cast<ZylOffice *>(this)->waitForExit(std::chrono::milliseconds(0));
     if (exit != -2) {
         const_cast<ZylOffice *>(this)->markDead();
         return false;
     }
-    return m_desktop.is();
+    return !m_dead && m_desktop.is();
+}
+
+void ZylOffice::abandon()
+{
+    markDead();
+    if (waitForExit(std::chrono::seconds(5)) == -2) {
+        {
+            std::lock_guard<std::mutex> lock(m_stateMutex);
+            if (m_pid > 1 && !m_reaped)
+                kill(m_pid, SIGKILL);
+        }
+        waitForExit(std::chrono::seconds(10));
+    }
 }
 
 void ZylOffice::markDead()

@@ -36,6 +36,8 @@ public:
     HRESULT call(const char *what, const std::function<HRESULT()> &work);
 
     bool isAlive() const;
+    // Marks the office dead and makes sure its process has ended.
+    void abandon();
     pid_t pid() const { return m_pid; }
     css::uno::Reference<css::uno::XComponentContext> remoteContext() const { return m_remoteContext; }
     css::uno::Reference<css::frame::XDesktop2> desktop() const { return m_desktop; }
