@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QLineEdit>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -207,6 +208,53 @@ QWidget* buildGallery()
     return root;
 }
 
+// Every icon set in its four modes, one row per set.
+QImage iconSheet()
+{
+    const QStringList sets = {
+        "vmaddfile_button_normal;vmaddfile_button_hover;vmaddfile_button_click",
+        "vmclear_select_button_normal;vmclear_select_button_hover;vmclear_select_button_click;vmclear_select_button_disable",
+        "vmdelete_item_normal;vmdelete_item_hover;vmdelete_item_click;",
+        "vmdrag_item_normal;vmdrag_item_hover;vmdrag_item_click;",
+        "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;",
+        "vmopendir_item_normal;vmopendir_item_hover;vmopendir_item_click;",
+        "vmopenfile_item_normal;vmopenfile_item_hover;vmopenfile_item_click;",
+        "vmreload_normal;vmreload_hover;vmreload_click;",
+        "vmsort_button_normal;", "vmsort_button_asce;", "vmsort_button_desc;",
+        "vmcheckbox_unchecked", "vmcheckbox_checked", "vmcheckbox_partchecked",
+        "vlite_dlg_close;vlite_dlg_close_hover;vlite_dlg_close_pressed",
+        "vlite_dlg_info", "vlite_dlg_question", "vlite_dlg_warning", "vlite_dlg_failure", "vlite_dlg_success",
+    };
+    const int cell = 40;
+    QImage image(cell * 4 + 8, cell * sets.size() + 8, QImage::Format_ARGB32);
+    image.fill(VDrawHelper::getColorFromTheme("VMStyleWidget", "background", Qt::white));
+    QPainter p(&image);
+    const QIcon::Mode modes[] = {QIcon::Normal, QIcon::Active, QIcon::Selected, QIcon::Disabled};
+    for (int row = 0; row < sets.size(); ++row) {
+        const QIcon icon = VDrawHelper::loadIcon(sets[row]);
+        for (int col = 0; col < 4; ++col)
+            icon.paint(&p, QRect(4 + col * cell + 4, 4 + row * cell + 4, 32, 32), Qt::AlignCenter, modes[col]);
+    }
+    // The start icon is drawn on the accent button.
+    return image;
+}
+
+QImage bigIcons()
+{
+    QImage image(4 * 110 + 10, 120, QImage::Format_ARGB32);
+    image.fill(VDrawHelper::getColorFromTheme("VMStyleWidget", "background", Qt::white));
+    QPainter p(&image);
+    const QIcon home = VDrawHelper::loadIcon(QStringLiteral("home_addfile;home_addfile_hover;home_addfile_click"));
+    const QIcon::Mode modes[] = {QIcon::Normal, QIcon::Active, QIcon::Selected};
+    for (int i = 0; i < 3; ++i)
+        home.paint(&p, QRect(10 + i * 110, 10, 100, 100), Qt::AlignCenter, modes[i]);
+    p.fillRect(QRect(10 + 3 * 110, 10, 100, 100), QColor("#417FF9"));
+    const QIcon start = VDrawHelper::loadIcon(QStringLiteral(
+        "vmstart_merge_normal;vmstart_merge_hover;vmstart_merge_click;vmstart_merge_disable;"));
+    start.paint(&p, QRect(10 + 3 * 110 + 18, 28, 64, 64));
+    return image;
+}
+
 void save(QWidget* widget, const QString& path)
 {
     widget->show();
@@ -244,11 +292,24 @@ int main(int argc, char** argv)
         done.setButtonText(1, QStringLiteral("open directory"));
         save(&done, QStringLiteral("%1-%2-dialog-complete.png").arg(prefix, theme));
 
+        iconSheet().save(QStringLiteral("%1-%2-icons.png").arg(prefix, theme));
+        bigIcons().save(QStringLiteral("%1-%2-bigicons.png").arg(prefix, theme));
+
         VLiteContentDlg tips(nullptr, VLiteContentDlg::IconNone);
         tips.setTitle(QStringLiteral("Tips"));
         tips.setContent(QStringLiteral("Sorry! You need to login in order to use %1.").arg(yrt::product::getZYLDriveDisplayName()));
         tips.setButtonVisible(1, false);
         save(&tips, QStringLiteral("%1-%2-dialog-tips.png").arg(prefix, theme));
     }
+
+    // The dialog at 150 % scale.
+    VLiteStyle::setTheme(QStringLiteral("light"));
+    VLiteStyle::setScaleOverride(1.5);
+    VLiteContentDlg scaled(nullptr, VLiteContentDlg::IconNone);
+    scaled.setTitleIcon(VLiteContentDlg::IconInfo);
+    scaled.setTitle(QStringLiteral("Tips"));
+    scaled.setContent(QStringLiteral("The document does not exist. It may be removed or renamed"));
+    scaled.setButtonVisible(1, false);
+    save(&scaled, QStringLiteral("%1-light-dialog-150.png").arg(prefix));
     return 0;
 }

@@ -59,6 +59,8 @@ private slots:
     void titleDrag_data();
     void titleDrag();
     void themeSwitch_restylesOpenDialog();
+    void frame_borderVisibleAtEveryScale_data();
+    void frame_borderVisibleAtEveryScale();
 };
 
 void tst_VLiteContentDlg::init()
@@ -290,6 +292,44 @@ void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
     QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
     QCOMPARE(dlg.styleChanges, before + 2);
     QTRY_COMPARE(pixelAt(&dlg, inside), lightSurface);
+}
+
+void tst_VLiteContentDlg::frame_borderVisibleAtEveryScale_data()
+{
+    QTest::addColumn<double>("factor");
+    QTest::newRow("100_percent") << 1.0;
+    QTest::newRow("125_percent") << 1.25;
+    QTest::newRow("150_percent") << 1.5;
+    QTest::newRow("200_percent") << 2.0;
+}
+
+void tst_VLiteContentDlg::frame_borderVisibleAtEveryScale()
+{
+    QFETCH(double, factor);
+    VLiteStyle::setScaleOverride(factor);
+    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconInfo);
+    dlg.setTitle(QStringLiteral("Tips"));
+    dlg.setContent(QStringLiteral("The document does not exist. It may be removed or renamed"));
+    dlg.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+    const QImage image = dlg.grab().toImage();
+    VLiteStyle::setScaleOverride(0);
+
+    // No part of the dialog (title bar, body, button row) may paint over its frame.
+    const QRgb border = VDrawHelper::getColorFromTheme("VLiteContentDlg", "border", QColor()).rgb();
+    // The look's 1px border, scaled and rounded like every pixel size of a look.
+    const int thickness = qMax(1, qRound(factor));
+    for (int t = 0; t < thickness; ++t) {
+        for (int y = 0; y < image.height(); y += 3) {
+            QCOMPARE(image.pixel(t, y), border);
+            QCOMPARE(image.pixel(image.width() - 1 - t, y), border);
+        }
+        for (int x = 0; x < image.width(); x += 3) {
+            QCOMPARE(image.pixel(x, t), border);
+            QCOMPARE(image.pixel(x, image.height() - 1 - t), border);
+        }
+    }
+    QVERIFY(image.width() >= int(380 * factor));
 }
 
 QTEST_MAIN(tst_VLiteContentDlg)

@@ -62,7 +62,8 @@ VLiteContentDlg::VLiteContentDlg(QWidget* parent, IconType iconType)
     setMaximumWidth(scaled(560));
 
     auto* root = new QVBoxLayout(this);
-    const int border = qMax(1, scaled(1));
+    // Matches the 1px border of the look after its pixel sizes are scaled (rounded).
+    const int border = qMax(1, qRound(VLiteStyle::dpi()));
     root->setContentsMargins(border, border, border, border);
     root->setSpacing(0);
 

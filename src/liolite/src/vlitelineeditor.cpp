@@ -15,7 +15,7 @@ VLiteLineEditor::VLiteLineEditor(QWidget* parent, bool clearButton)
     m_edit->setFrame(false);
     m_edit->setClearButtonEnabled(clearButton);
     auto* layout = new QHBoxLayout(this);
-    const int border = qMax(1, int(VLiteStyle::dpiScaled(1)));
+    const int border = qMax(1, qRound(VLiteStyle::dpi()));
     layout->setContentsMargins(border, border, border, border);
     layout->setSpacing(0);
     layout->addWidget(m_edit);
