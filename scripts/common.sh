@@ -9,7 +9,7 @@ PACKAGES=(
   build-essential cmake pkg-config git
   qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev qt5-qmake
   libthrift-dev thrift-compiler
-  libreoffice-writer-nogui libreoffice-dev
+  libreoffice-writer libreoffice-dev
   xvfb xauth dbus fonts-dejavu-core poppler-utils file
   fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea
 )
