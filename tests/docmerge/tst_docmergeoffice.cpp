@@ -1,0 +1,172 @@
+#include <QCryptographicHash>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "zyltestdocuments.h"
+
+// docmerge against the real word-processor server.
+class tst_DocMergeOffice : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void countCorpus_data();
+    void countCorpus();
+    void merge_data();
+    void merge();
+
+private:
+    struct Run {
+        int exitCode = -1;
+        QString out;
+        QString err;
+    };
+    Run run(const QStringList &arguments, int timeoutMs);
+    QString source(const QString &stem, const QString &suffix, int pages);
+    static QByteArray checksum(const QString &path);
+
+    QString m_corpus;
+    QTemporaryDir m_dir;
+    QHash<QString, QString> m_corpusCounts;
+    bool m_corpusCounted = false;
+};
+
+void tst_DocMergeOffice::initTestCase()
+{
+    if (!QFileInfo::exists(QStringLiteral("/usr/lib/libreoffice/program/soffice.bin")))
+        QSKIP("LibreOffice is not installed: the word-processor server cannot run here");
+    QVERIFY(m_dir.isValid());
+    QVERIFY(QFileInfo(QStringLiteral(DOCMERGE_PROGRAM)).isExecutable());
+    m_corpus = qEnvironmentVariable("VDM_SHARED_DIR") + QStringLiteral("/corpus");
+    QVERIFY2(QFileInfo::exists(m_corpus + QStringLiteral("/manifest.tsv")), qPrintable(m_corpus));
+}
+
+tst_DocMergeOffice::Run tst_DocMergeOffice::run(const QStringList &arguments, int timeoutMs)
+{
+    QProcess process;
+    process.setWorkingDirectory(m_dir.path());
+    process.start(QStringLiteral(DOCMERGE_PROGRAM), arguments);
+    Run result;
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        return result;
+    }
+    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.out = QString::fromLocal8Bit(process.readAllStandardOutput());
+    result.err = QString::fromLocal8Bit(process.readAllStandardError());
+    return result;
+}
+
+QByteArray tst_DocMergeOffice::checksum(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
+}
+
+void tst_DocMergeOffice::countCorpus_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("expected");
+    QFile manifest(qEnvironmentVariable("VDM_SHARED_DIR") + QStringLiteral("/corpus/manifest.tsv"));
+    if (!manifest.open(QIODevice::ReadOnly))
+        return;
+    const QStringList lines = QString::fromUtf8(manifest.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (int i = 1; i < lines.size(); ++i) {
+        const QStringList fields = lines.at(i).split(QLatin1Char('\t'));
+        if (fields.size() >= 2)
+            QTest::newRow(qPrintable(fields.at(0))) << fields.at(0) << fields.at(1);
+    }
+}
+
+void tst_DocMergeOffice::countCorpus()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, expected);
+
+    // One run over the whole corpus, as a user would count a folder; each row checks its line.
+    if (!m_corpusCounted) {
+        m_corpusCounted = true;
+        QFile manifest(m_corpus + QStringLiteral("/manifest.tsv"));
+        QVERIFY(manifest.open(QIODevice::ReadOnly));
+        QStringList files;
+        const QStringList lines = QString::fromUtf8(manifest.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (int i = 1; i < lines.size(); ++i)
+            files << m_corpus + QLatin1Char('/') + lines.at(i).section(QLatin1Char('\t'), 0, 0);
+        const Run result = run(QStringList{QStringLiteral("count")} + files, 1200000);
+        QVERIFY2(result.exitCode == 1, qPrintable(result.err)); // the corpus holds unreadable files
+        const QStringList printed = result.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(printed.size(), files.size());
+        for (const QString &line : printed)
+            m_corpusCounts.insert(QFileInfo(line.section(QLatin1Char('\t'), 1)).fileName(), line.section(QLatin1Char('\t'), 0, 0));
+    }
+    QVERIFY2(m_corpusCounts.contains(file), "no line for this file");
+    QCOMPARE(m_corpusCounts.value(file), expected);
+}
+
+QString tst_DocMergeOffice::source(const QString &stem, const QString &suffix, int pages)
+{
+    QStringList texts;
+    for (int i = 1; i <= pages; ++i)
+        texts << QStringLiteral("%1 page %2").arg(stem).arg(i);
+    const QString path = m_dir.filePath(QStringLiteral("%1.%2").arg(stem, suffix));
+    if (QFileInfo::exists(path))
+        return path;
+    QString error;
+    if (!ZylTestDocuments::makeDocument(path, texts, &error)) {
+        qWarning("cannot make %s: %s", qPrintable(path), qPrintable(error));
+        return QString();
+    }
+    return path;
+}
+
+void tst_DocMergeOffice::merge_data()
+{
+    QTest::addColumn<QStringList>("suffixes");
+    QTest::addColumn<QString>("output");
+    const QStringList formats{QStringLiteral("docx"), QStringLiteral("doc"), QStringLiteral("zyl")};
+    for (const QString &from : formats) {
+        for (const QString &to : formats) {
+            QTest::newRow(qPrintable(QStringLiteral("%1_sources_to_%2").arg(from, to)))
+                << QStringList{from, from, from} << to;
+        }
+    }
+    QTest::newRow("mixed_sources_to_docx") << QStringList{"zyl", "docx", "doc"} << QStringLiteral("docx");
+}
+
+void tst_DocMergeOffice::merge()
+{
+    QFETCH(QStringList, suffixes);
+    QFETCH(QString, output);
+
+    // Alpha: 4 pages, take 2-3; Bravo: 3 pages, whole; Charlie: 5 pages, 4 to past the end.
+    const QString alpha = source(QStringLiteral("Alpha"), suffixes.at(0), 4);
+    const QString bravo = source(QStringLiteral("Bravo"), suffixes.at(1), 3);
+    const QString charlie = source(QStringLiteral("Charlie"), suffixes.at(2), 5);
+    QVERIFY(!alpha.isEmpty() && !bravo.isEmpty() && !charlie.isEmpty());
+    const QByteArray sums = checksum(alpha) + checksum(bravo) + checksum(charlie);
+
+    const QString target = m_dir.filePath(QStringLiteral("merged-%1.%2").arg(suffixes.join(QLatin1Char('-')), output));
+    const Run result = run({QStringLiteral("merge"), QStringLiteral("-o"), target,
+                            alpha + QStringLiteral(":2-3"), bravo, charlie + QStringLiteral(":4-9")},
+                           600000);
+    QVERIFY2(result.exitCode == 0, qPrintable(result.err));
+    QCOMPARE(result.out.trimmed(), target);
+
+    QString error;
+    const QStringList pages = ZylTestDocuments::pageTexts(target, &error);
+    QVERIFY2(!pages.isEmpty(), qPrintable(error));
+    const QStringList expected{QStringLiteral("Alpha page 2"), QStringLiteral("Alpha page 3"),
+                               QStringLiteral("Bravo page 1"), QStringLiteral("Bravo page 2"),
+                               QStringLiteral("Bravo page 3"), QStringLiteral("Charlie page 4"),
+                               QStringLiteral("Charlie page 5")};
+    QCOMPARE(pages, expected);
+    QCOMPARE(checksum(alpha) + checksum(bravo) + checksum(charlie), sums);
+}
+
+QTEST_GUILESS_MAIN(tst_DocMergeOffice)
+#include "tst_docmergeoffice.moc"
