@@ -2,6 +2,7 @@
 #include <liolite/liolite.h>
 
 #include <QApplication>
+#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QLineEdit>
@@ -274,6 +275,14 @@ int main(int argc, char** argv)
         VLiteStyle::setTheme(theme);
         QWidget* gallery = buildGallery();
         save(gallery, QStringLiteral("%1-%2-widgets.png").arg(prefix, theme));
+        gallery->show();
+        if (auto* combo = gallery->findChild<VLiteComboBox*>()) {
+            combo->setCurrentIndex(1);
+            combo->showPopup();
+            QCoreApplication::processEvents();
+            combo->view()->window()->grab().save(QStringLiteral("%1-%2-combo-popup.png").arg(prefix, theme));
+            combo->hidePopup();
+        }
         delete gallery;
 
         VLiteContentDlg failed(nullptr, VLiteContentDlg::IconNone);

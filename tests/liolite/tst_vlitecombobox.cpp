@@ -13,6 +13,8 @@ private slots:
     void currentIndexChanged_bothSignals_data();
     void currentIndexChanged_bothSignals();
     void styledPopup_usesThemedList();
+    void popup_wideEnoughForEveryEntry_data();
+    void popup_wideEnoughForEveryEntry();
 };
 
 void tst_VLiteComboBox::addItem_keepsDataAndExtra()
@@ -80,6 +82,39 @@ void tst_VLiteComboBox::styledPopup_usesThemedList()
     const QSize without = styled.view()->sizeHintForIndex(styled.model()->index(0, 0));
     // Room for the check mark beside the text.
     QVERIFY(withMark.width() > without.width());
+}
+
+void tst_VLiteComboBox::popup_wideEnoughForEveryEntry_data()
+{
+    QTest::addColumn<int>("boxWidth");
+    QTest::addColumn<bool>("checkMarks");
+    QTest::newRow("narrow_box_with_marks") << 80 << true;
+    QTest::newRow("narrow_box_without_marks") << 80 << false;
+    QTest::newRow("wide_box_keeps_its_width") << 400 << true;
+}
+
+void tst_VLiteComboBox::popup_wideEnoughForEveryEntry()
+{
+    QFETCH(int, boxWidth);
+    QFETCH(bool, checkMarks);
+
+    QWidget window;
+    auto* combo = new VLiteComboBox(&window, true);
+    combo->setFixedSize(boxWidth, 34);
+    combo->setDisplayCheckState(checkMarks);
+    for (const char* entry : {".docx", ".doc", "The first file's folder", ".zyl"})
+        combo->addItem(QString::fromLatin1(entry), QVariant(), {});
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    combo->showPopup();
+    QAbstractItemView* list = combo->view();
+    QTRY_VERIFY(list->isVisible());
+    const int available = list->viewport()->width();
+    for (int row = 0; row < combo->count(); ++row)
+        QVERIFY2(list->sizeHintForIndex(combo->model()->index(row, 0)).width() <= available,
+                 qPrintable(combo->itemText(row)));
+    QVERIFY(list->window()->width() >= boxWidth);
+    combo->hidePopup();
 }
 
 QTEST_MAIN(tst_VLiteComboBox)

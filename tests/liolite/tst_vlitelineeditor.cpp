@@ -12,7 +12,6 @@ private slots:
     void textChanged_relaysInnerEdit_data();
     void textChanged_relaysInnerEdit();
     void focus_reachesInnerEditAndFrame();
-    void clearButton_emptiesText();
 };
 
 void tst_VLiteLineEditor::textChanged_relaysInnerEdit_data()
@@ -66,14 +65,6 @@ void tst_VLiteLineEditor::focus_reachesInnerEditAndFrame()
     other->setFocus();
     QTRY_VERIFY(!editor->editorHasFocus());
     QCOMPARE(editor->property("editorFocus").toBool(), false);
-}
-
-void tst_VLiteLineEditor::clearButton_emptiesText()
-{
-    VLiteLineEditor with(nullptr, true);
-    VLiteLineEditor without(nullptr, false);
-    QVERIFY(with.innerEdit()->isClearButtonEnabled());
-    QVERIFY(!without.innerEdit()->isClearButtonEnabled());
 }
 
 QTEST_MAIN(tst_VLiteLineEditor)

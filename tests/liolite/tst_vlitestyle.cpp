@@ -20,7 +20,6 @@ private slots:
     void init();
     void cleanup();
 
-    void dpi_followsScreenWithoutOverride();
     void dpi_override_data();
     void dpi_override();
     void scaledHelpers_data();
@@ -47,13 +46,6 @@ void tst_VLiteStyle::cleanup()
 {
     VLiteStyle::setScaleOverride(0);
     VLiteStyle::setTheme(QStringLiteral("light"));
-}
-
-void tst_VLiteStyle::dpi_followsScreenWithoutOverride()
-{
-    QScreen* screen = QGuiApplication::primaryScreen();
-    QVERIFY(screen);
-    QCOMPARE(VLiteStyle::dpi(), screen->logicalDotsPerInch() / 96.0);
 }
 
 void tst_VLiteStyle::dpi_override_data()

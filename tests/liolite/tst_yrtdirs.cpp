@@ -1,5 +1,4 @@
 #include <liolite/yrtdirs.h>
-#include <liolite/yrtproduct.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,7 +10,6 @@ class tst_YrtDirs : public QObject
 
 private slots:
     void resources_besideLibraryFolder();
-    void driveDisplayName_isSet();
 };
 
 void tst_YrtDirs::resources_besideLibraryFolder()
@@ -25,13 +23,6 @@ void tst_YrtDirs::resources_besideLibraryFolder()
     const QDir build(QFileInfo(folder).absolutePath());
     QVERIFY2(QFileInfo::exists(build.filePath(QStringLiteral("lib/libliolite.so"))), qPrintable(build.path()));
     QVERIFY(QFileInfo(folder).isDir());
-}
-
-void tst_YrtDirs::driveDisplayName_isSet()
-{
-    const QString name = yrt::product::getZYLDriveDisplayName();
-    QVERIFY(!name.trimmed().isEmpty());
-    QCOMPARE(name, name.trimmed());
 }
 
 QTEST_MAIN(tst_YrtDirs)

@@ -57,3 +57,14 @@ QString VLiteComboBox::themeClass() const
 {
     return VDrawHelper::getObjectThemeClassName(this);
 }
+
+void VLiteComboBox::showPopup()
+{
+    QAbstractItemView* list = view();
+    const int frame = 2 * list->frameWidth() + 2;
+    int widest = 0;
+    for (int row = 0; row < count(); ++row)
+        widest = qMax(widest, list->sizeHintForIndex(model()->index(row, modelColumn())).width());
+    list->setMinimumWidth(qMax(width(), widest + frame));
+    QComboBox::showPopup();
+}

@@ -28,6 +28,10 @@ public:
     void applyThemeClass(const QString& themeClass, bool cascade = false);
     QString themeClass() const;
 
+    // The list is made wide enough for its longest entry (and the check mark), even when the
+    // box itself is narrower.
+    void showPopup() override;
+
 private:
     bool m_styledPopup = true;
     bool m_displayCheckState = false;
