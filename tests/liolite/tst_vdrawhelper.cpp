@@ -52,6 +52,9 @@ private slots:
     void iconSetsUsedByTheAddOn_data();
     void iconSetsUsedByTheAddOn();
 
+    void spinBoxArrowImages_data();
+    void spinBoxArrowImages();
+
     void getColorFromTheme_data();
     void getColorFromTheme();
     void getColorFromTheme_defaults_data();
@@ -200,6 +203,48 @@ void tst_VDrawHelper::iconSetsUsedByTheAddOn()
         QVERIFY2(!icon.availableSizes(modes[i]).isEmpty(), qPrintable(names[i]));
         QVERIFY2(!icon.pixmap(QSize(16, 16), modes[i]).isNull(), qPrintable(names[i]));
     }
+}
+
+void tst_VDrawHelper::spinBoxArrowImages_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("pointsUp");
+    QTest::newRow("up") << ":/shared/icons/spinbox_stroke_uparrow_l_8.svg" << true;
+    QTest::newRow("up_disabled") << ":/shared/icons/spinbox_stroke_uparrow_l_8_disable.svg" << true;
+    QTest::newRow("down") << ":/shared/icons/spinbox_stroke_downarrow_l_8.svg" << false;
+    QTest::newRow("down_disabled") << ":/shared/icons/spinbox_stroke_downarrow_l_8_disable.svg" << false;
+}
+
+void tst_VDrawHelper::spinBoxArrowImages()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, pointsUp);
+
+    // Style sheets load these through the image plug-ins, not through the icon engine.
+    QImage image(path);
+    QVERIFY2(!image.isNull(), qPrintable(path));
+    QCOMPARE(image.size(), QSize(8, 8));
+    image = QImage(path).scaled(64, 64);
+    image = image.convertToFormat(QImage::Format_ARGB32);
+    // The tip of the chevron is the inked pixel nearest the edge it points to.
+    int top = -1;
+    int bottom = -1;
+    for (int y = 0; y < image.height(); ++y) {
+        if (qAlpha(image.pixel(image.width() / 2, y)) > 0) {
+            if (top < 0)
+                top = y;
+            bottom = y;
+        }
+    }
+    QVERIFY(top >= 0);
+    int inkAtTopRow = 0;
+    int inkAtBottomRow = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        inkAtTopRow += qAlpha(image.pixel(x, top)) > 0;
+        inkAtBottomRow += qAlpha(image.pixel(x, bottom)) > 0;
+    }
+    // An up arrow is narrow at its top and wide at its bottom.
+    QCOMPARE(inkAtTopRow < inkAtBottomRow, pointsUp);
 }
 
 void tst_VDrawHelper::getColorFromTheme_data()
