@@ -164,7 +164,8 @@ void tst_DocMergeOffice::merge()
                                QStringLiteral("Bravo page 1"), QStringLiteral("Bravo page 2"),
                                QStringLiteral("Bravo page 3"), QStringLiteral("Charlie page 4"),
                                QStringLiteral("Charlie page 5")};
-    QCOMPARE(pages, expected);
+    QVERIFY2(pages == expected, qPrintable(QStringLiteral("pages:\n  %1\nexpected:\n  %2")
+                                               .arg(pages.join(QStringLiteral("\n  ")), expected.join(QStringLiteral("\n  ")))));
     QCOMPARE(checksum(alpha) + checksum(bravo) + checksum(charlie), sums);
 }
 
