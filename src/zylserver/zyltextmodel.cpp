@@ -76,11 +76,25 @@ ZylTextModel::ZylTextModel(const uno::Reference<text::XTextDocument> &document)
 
 int ZylTextModel::pageCount()
 {
+    return int(printedPages().size());
+}
+
+std::vector<int> ZylTextModel::printedPages()
+{
     uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
-    uno::Reference<beans::XPropertySet> controller(model->getCurrentController(), uno::UNO_QUERY_THROW);
+    uno::Reference<frame::XController> controller = model->getCurrentController();
+    uno::Reference<beans::XPropertySet> controllerProps(controller, uno::UNO_QUERY_THROW);
     sal_Int32 pages = 0;
-    controller->getPropertyValue(ou("PageCount")) >>= pages;
-    return pages;
+    controllerProps->getPropertyValue(ou("PageCount")) >>= pages;
+    std::vector<int> printed;
+    uno::Reference<text::XTextViewCursorSupplier> supplier(controller, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XPageCursor> pageCursor(supplier->getViewCursor(), uno::UNO_QUERY_THROW);
+    // The view cursor refuses to go to a blank page: it has nothing to stand on.
+    for (sal_Int32 page = 1; page <= pages && page <= 32767; ++page) {
+        if (pageCursor->jumpToPage(sal_Int16(page)))
+            printed.push_back(int(page));
+    }
+    return printed;
 }
 
 ZylTextModel::Layout ZylTextModel::layout()
@@ -202,24 +216,30 @@ uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int po
 
 HRESULT ZylTextModel::pageStart(int page, LONG *position)
 {
-    const int pages = pageCount();
-    if (page < 1 || page > pages || page > 32767)
+    const std::vector<int> printed = printedPages();
+    if (page < 1 || page > int(printed.size()))
         return E_INVALIDARG;
     if (page == 1) {
         *position = 0;
         return S_OK;
     }
+    const int layoutPage = printed[size_t(page - 1)];
     uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
     uno::Reference<text::XTextViewCursorSupplier> supplier(model->getCurrentController(), uno::UNO_QUERY_THROW);
     uno::Reference<text::XTextViewCursor> view = supplier->getViewCursor();
     uno::Reference<text::XPageCursor> pageCursor(view, uno::UNO_QUERY_THROW);
-    pageCursor->jumpToPage(sal_Int16(page));
-    if (pageCursor->getPage() != page)
+    if (!pageCursor->jumpToPage(sal_Int16(layoutPage)))
         return E_INVALIDARG;
-    pageCursor->jumpToStartOfPage();
+    // A page that begins in a table with repeated heading rows puts the cursor into the heading
+    // row where the table began, on an earlier page.
+    const bool inRepeatedHeading = pageCursor->getPage() != layoutPage;
+    if (!inRepeatedHeading)
+        pageCursor->jumpToStartOfPage();
 
     const Layout l = layout();
     uno::Reference<text::XText> viewText = view->getText();
+    if (inRepeatedHeading && viewText == m_text)
+        return E_FAIL;
     if (viewText == m_text) {
         int index = -1;
         const int x = offsetOf(l, view->getStart(), &index);
@@ -253,7 +273,7 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
     if (cell.is())
         cell->getPropertyValue(ou("CellName")) >>= cellName;
     const int t = l.elements[size_t(index)].base;
-    const bool tableStartsPage = cellName == ou("A1");
+    const bool tableStartsPage = cellName == ou("A1") && !inRepeatedHeading;
     const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
     *position = (tableStartsPage && afterParagraph) ? t : t + 1;
     return S_OK;

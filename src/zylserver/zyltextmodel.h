@@ -27,7 +27,8 @@ class ZylTextModel {
 public:
     explicit ZylTextModel(const css::uno::Reference<css::text::XTextDocument> &document);
 
-    // Pages as the office lays them out now.
+    // Pages as the office prints them now: the blank pages it adds to give a page the parity its
+    // number or style asks for are left out, as they are in its own PDF export.
     int pageCount();
     // Position where the page begins; E_INVALIDARG when there is no such page.
     HRESULT pageStart(int page, LONG *position);
@@ -52,6 +53,8 @@ private:
         int length = 0; // real points run from 0 to length
     };
 
+    // Layout page numbers of the pages that are printed, in order.
+    std::vector<int> printedPages();
     Layout layout();
     // Index of the element that holds real point `point` (a paragraph from its start to its end
     // mark, or a table's slot); -1 beyond the body.
