@@ -37,6 +37,7 @@ QString DocMergeOptions::usage()
         "  --version          show the version\n"
         "\n"
         "Ctrl-C cancels: nothing is left at OUT.\n"
+        "The word processor's own diagnostics: QT_LOGGING_RULES='vzyl.*=true'.\n"
         "Exit status: 0 done; 1 a file could not be counted or the merge failed; 2 usage error;\n"
         "130 or 143 interrupted.\n");
 }

@@ -1,5 +1,6 @@
 #include <QCoreApplication>
 #include <QDir>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -13,6 +14,9 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("docmerge"));
     QCoreApplication::setApplicationVersion(QStringLiteral(DOCMERGE_VERSION));
+    // stderr carries docmerge's own one-line reasons; the engine's and the server's diagnostics
+    // stay quiet unless QT_LOGGING_RULES asks for them.
+    QLoggingCategory::setFilterRules(QStringLiteral("vzyl.*=false\nvdocumentmerger.*=false"));
 
     const DocMergeOptions options = DocMergeOptions::parse(app.arguments().mid(1));
     switch (options.command()) {
