@@ -108,7 +108,9 @@ ZylTextModel::Layout ZylTextModel::layout()
         items->nextElement() >>= e.content;
         uno::Reference<lang::XServiceInfo> info(e.content, uno::UNO_QUERY);
         e.isTable = info.is() && info->supportsService(ou("com.sun.star.text.TextTable"));
-        if (!e.isTable) {
+        if (e.isTable) {
+            e.length = 1;
+        } else {
             uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY);
             e.length = range.is() ? range->getString().getLength() : 0;
         }
@@ -141,8 +143,6 @@ int ZylTextModel::elementAt(const Layout &l, int point)
     if (found < 0)
         return -1;
     const Element &e = l.elements[size_t(found)];
-    if (e.isTable)
-        return point == e.base ? found : -1;
     return point <= e.base + e.length ? found : -1;
 }
 
@@ -274,8 +274,7 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
         cell->getPropertyValue(ou("CellName")) >>= cellName;
     const int t = l.elements[size_t(index)].base;
     const bool tableStartsPage = cellName == ou("A1") && !inRepeatedHeading;
-    const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
-    *position = (tableStartsPage && afterParagraph) ? t : t + 1;
+    *position = tableStartsPage ? t + 1 : t + 2;
     return S_OK;
 }
 
@@ -289,83 +288,177 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     const Layout l = layout();
     start = std::max<LONG>(0, std::min<LONG>(start, l.length + 1));
     end = std::max<LONG>(0, std::min<LONG>(end, l.length + 1));
-    if (start >= end)
+    if (start >= end || l.elements.empty())
         return S_OK;
-    const bool fromVirtualMark = start == 0;
-    const int rs = fromVirtualMark ? 0 : int(start) - 1;
-    const int re = int(end) - 1;
+    const int last = int(l.elements.size()) - 1;
+    bool fromVirtualMark = start == 0;
+    int rs = fromVirtualMark ? 0 : int(start) - 1;
+    int re = int(end) - 1;
 
-    // Where the text part of the cut begins and ends; tables wholly inside go separately.
-    uno::Reference<text::XTextCursor> from;
-    int fromIndex = elementAt(l, rs);
-    if (fromIndex >= 0 && l.elements[size_t(fromIndex)].isTable) {
-        for (size_t i = size_t(fromIndex); i < l.elements.size(); ++i) {
-            if (!l.elements[i].isTable) {
-                if (l.elements[i].base <= re)
-                    from = cursorAt(l, l.elements[i].base);
-                break;
-            }
-        }
+    // How each end of the cut meets the body:
+    //  Mark     - on a paragraph's end mark (the cut starts by joining, or keeps that mark),
+    //  Boundary - where a paragraph or table begins, or inside a table (the table stays),
+    //  Text     - inside a paragraph's text,
+    //  BodyEnd  - at the end of the body.
+    enum Kind { Mark, Boundary, Text, BodyEnd };
+    const int startIndex = fromVirtualMark ? 0 : elementAt(l, rs);
+    if (startIndex < 0)
+        return S_OK;
+    const Element &se = l.elements[size_t(startIndex)];
+    Kind startKind = Text;
+    int firstWhole = startIndex; // first element that goes completely
+    if (fromVirtualMark) {
+        startKind = Mark;
+    } else if (se.isTable) {
+        startKind = Boundary;
+        firstWhole = rs == se.base ? startIndex : startIndex + 1;
+    } else if (rs == se.base + se.length && startIndex < last) {
+        startKind = Mark;
+        firstWhole = startIndex + 1;
+    } else if (rs == se.base) {
+        startKind = Boundary;
     } else {
-        from = cursorAt(l, rs);
-    }
-    uno::Reference<text::XTextCursor> to;
-    const int toIndex = elementAt(l, re);
-    if (toIndex >= 0 && l.elements[size_t(toIndex)].isTable) {
-        if (toIndex > 0 && !l.elements[size_t(toIndex - 1)].isTable && re - 1 >= rs)
-            to = cursorAt(l, re - 1);
-    } else {
-        to = cursorAt(l, re);
-    }
-    std::vector<uno::Reference<text::XTextContent>> tables;
-    for (const Element &e : l.elements) {
-        if (e.isTable && e.base >= rs && e.base + 1 <= re)
-            tables.push_back(e.content);
+        firstWhole = startIndex + 1;
     }
 
-    // The element that follows the cut keeps the page style it is laid out with now.
-    const bool endsAtParagraphEnd = toIndex >= 0 && !l.elements[size_t(toIndex)].isTable
-        && re == l.elements[size_t(toIndex)].base + l.elements[size_t(toIndex)].length && re < l.length;
-    const bool endsAtParagraphStart = toIndex >= 0 && !l.elements[size_t(toIndex)].isTable
-        && re == l.elements[size_t(toIndex)].base && re > rs;
-    uno::Reference<text::XTextContent> follower;
-    if (endsAtParagraphEnd && size_t(toIndex + 1) < l.elements.size())
-        follower = l.elements[size_t(toIndex + 1)].content;
-    rtl::OUString followerStyle;
-    if (follower.is() && !l.elements[size_t(toIndex + 1)].isTable)
-        followerStyle = pageStyleOf(follower);
-    rtl::OUString joinedStyle;
-    if (endsAtParagraphStart)
-        joinedStyle = pageStyleOf(l.elements[size_t(toIndex)].content);
+    Kind endKind = Text;
+    int endIndex = last;
+    int lastWhole = last - 1; // last element that goes completely
+    if (re >= l.length) {
+        endKind = BodyEnd;
+    } else {
+        endIndex = elementAt(l, re);
+        if (endIndex < 0)
+            return E_FAIL;
+        const Element &ee = l.elements[size_t(endIndex)];
+        lastWhole = endIndex - 1;
+        if (ee.isTable)
+            endKind = Boundary;
+        else if (re == ee.base + ee.length && endIndex < last)
+            endKind = Mark;
+        else if (re == ee.base)
+            endKind = Boundary;
+    }
+
+    // A cut that removes one end mark must keep another; where one end cannot, both ends move to
+    // whole elements, so no paragraph is joined to another and none is left empty.
+    if (startKind == Mark && endKind == Boundary) {
+        startKind = Boundary;
+        fromVirtualMark = false;
+        rs = l.elements[size_t(firstWhole)].base;
+    } else if (startKind == Boundary && endKind == Mark) {
+        endKind = Boundary;
+        lastWhole = endIndex;
+        ++endIndex;
+        re = l.elements[size_t(endIndex)].base;
+    } else if (startKind == Boundary && endKind == BodyEnd && rs == se.base && startIndex > 0
+               && !l.elements[size_t(startIndex - 1)].isTable) {
+        startKind = Mark;
+        rs = se.base - 1;
+    }
 
     UndoContext undo(m_document, "Delete");
-    for (const auto &table : tables)
-        table->dispose();
-    if (from.is() && to.is()) {
-        from->gotoRange(to->getStart(), true);
-        from->setString(rtl::OUString());
+    if (startKind != Boundary && endKind != Boundary) {
+        deleteText(l, rs, re, fromVirtualMark, endKind == Mark ? endIndex + 1 : -1);
+        return S_OK;
     }
 
-    if (fromVirtualMark && endsAtParagraphEnd && follower.is()) {
+    // The element after the cut keeps its own break and page style.
+    const int followerIndex = endKind == BodyEnd ? -1 : endIndex;
+    BreakState follower;
+    if (followerIndex >= 0)
+        follower = breakStateOf(l.elements[size_t(followerIndex)]);
+
+    if (startKind == Text) {
+        uno::Reference<text::XTextCursor> from = cursorAt(l, rs);
+        uno::Reference<text::XTextCursor> to = cursorAt(l, se.base + se.length);
+        if (from.is() && to.is()) {
+            from->gotoRange(to->getStart(), true);
+            from->setString(rtl::OUString());
+        }
+    }
+    if (endKind == Text || endKind == BodyEnd) {
+        const Element &tail = l.elements[size_t(endIndex)];
+        uno::Reference<text::XTextCursor> from = cursorAt(l, tail.base);
+        uno::Reference<text::XTextCursor> to = cursorAt(l, std::min(re, l.length));
+        if (from.is() && to.is()) {
+            from->gotoRange(to->getStart(), true);
+            from->setString(rtl::OUString());
+        }
+    }
+    for (int i = lastWhole; i >= firstWhole; --i) {
+        uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
+        if (element.is())
+            element->dispose();
+    }
+    if (endKind == BodyEnd && firstWhole > 0) {
+        // The body's last paragraph cannot go; emptied, it must not start a page of its own.
+        uno::Reference<beans::XPropertySet> remnant(l.elements[size_t(endIndex)].content, uno::UNO_QUERY);
+        if (remnant.is()) {
+            remnant->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
+            remnant->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+        }
+    }
+    if (followerIndex >= 0)
+        restoreBreak(l.elements[size_t(followerIndex)], follower);
+    return S_OK;
+}
+
+void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex)
+{
+    BreakState follower;
+    if (followerIndex >= 0 && followerIndex < int(l.elements.size()))
+        follower = breakStateOf(l.elements[size_t(followerIndex)]);
+    uno::Reference<text::XTextCursor> from = cursorAt(l, rs);
+    uno::Reference<text::XTextCursor> to = cursorAt(l, std::min(re, l.length));
+    if (!from.is() || !to.is())
+        return;
+    // Tables and pictures wholly between the ends go with the text.
+    from->gotoRange(to->getStart(), true);
+    from->setString(rtl::OUString());
+    if (fromVirtualMark && follower.valid) {
         // What is left of the first deleted paragraph goes too, so the follower starts the body.
         const Layout after = layout();
         if (after.elements.size() > 1 && !after.elements.front().isTable && after.elements.front().length == 0
-            && after.elements[1].content == follower) {
-            after.elements.front().content->dispose();
+            && after.elements[1].content == l.elements[size_t(followerIndex)].content) {
+            uno::Reference<lang::XComponent>(after.elements.front().content, uno::UNO_QUERY_THROW)->dispose();
         }
     }
-    uno::Reference<beans::XPropertySet> restore;
-    rtl::OUString wanted;
-    if (!followerStyle.isEmpty()) {
-        restore.set(follower, uno::UNO_QUERY);
-        wanted = followerStyle;
-    } else if (!joinedStyle.isEmpty() && from.is()) {
-        restore.set(from, uno::UNO_QUERY);
-        wanted = joinedStyle;
-    }
-    if (restore.is() && pageStyleOf(restore) != wanted)
-        restore->setPropertyValue(ou("PageDescName"), uno::Any(wanted));
-    return S_OK;
+    if (follower.valid)
+        restoreBreak(l.elements[size_t(followerIndex)], follower);
+}
+
+ZylTextModel::BreakState ZylTextModel::breakStateOf(const Element &e)
+{
+    BreakState state;
+    uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY);
+    if (!props.is())
+        return state;
+    props->getPropertyValue(ou("PageDescName")) >>= state.pageDesc;
+    props->getPropertyValue(ou("BreakType")) >>= state.breakType;
+    if (!e.isTable)
+        state.layoutStyle = pageStyleOf(e.content);
+    state.valid = true;
+    return state;
+}
+
+void ZylTextModel::restoreBreak(const Element &e, const BreakState &before)
+{
+    // Removing a paragraph hands its break and page style on to what follows it.
+    uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY);
+    if (!props.is() || !before.valid)
+        return;
+    rtl::OUString pageDesc;
+    props->getPropertyValue(ou("PageDescName")) >>= pageDesc;
+    if (pageDesc != before.pageDesc)
+        props->setPropertyValue(ou("PageDescName"), uno::Any(before.pageDesc));
+    style::BreakType breakType = style::BreakType_NONE;
+    props->getPropertyValue(ou("BreakType")) >>= breakType;
+    if (breakType != before.breakType)
+        props->setPropertyValue(ou("BreakType"), uno::Any(before.breakType));
+    // A page style it only inherited from the pages before is kept explicitly.
+    if (!before.layoutStyle.isEmpty() && pageStyleOf(e.content) != before.layoutStyle)
+        props->setPropertyValue(ou("PageDescName"), uno::Any(before.layoutStyle));
 }
 
 HRESULT ZylTextModel::insertPageBreak(LONG position)

@@ -2,20 +2,25 @@
 // the editing members.
 //
 // The body is a row of paragraphs and tables. A paragraph takes its characters plus one for its
-// end mark, a table takes one. Position p stands just before the (p-1)-th of these characters;
-// position 0 stands before a virtual paragraph mark ahead of the whole body, so the last body
-// position is the body's length plus one.
+// end mark; a table takes two: its start and its inside. Position p stands just before the
+// (p-1)-th of these; position 0 stands before a virtual paragraph mark ahead of the whole body,
+// so the last body position is the body's length plus one.
 //
-// A page that begins at a paragraph start begins, in positions, at the end mark that closes the
-// page before. Deleting from one page start to another then removes the end mark before the
-// first page and keeps the one that closes the last deleted page: the paragraph after the cut
-// keeps its own page style and break, and a cut to the end leaves no empty page behind.
+// A page that begins at a paragraph start after another paragraph begins, in positions, at the
+// end mark that closes the page before. Deleting from one such page start to another then removes
+// the end mark before the first page and keeps the one that closes the last deleted page: the
+// paragraph after the cut keeps its own page style and break, and a cut to the end leaves no empty
+// page behind. A page that begins with a table, or right after one, begins at that element; a
+// cut with such an end removes whole paragraphs and tables instead. A page that begins inside a
+// table begins at the table's inside, so a cut through a table leaves the table whole: the pages
+// that stay keep their rows.
 #pragma once
 
 #include <vector>
 
 #include <QString>
 
+#include <com/sun/star/style/BreakType.hpp>
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCursor.hpp>
@@ -52,6 +57,12 @@ private:
         std::vector<Element> elements;
         int length = 0; // real points run from 0 to length
     };
+    struct BreakState {
+        bool valid = false;
+        rtl::OUString pageDesc;
+        css::style::BreakType breakType = css::style::BreakType_NONE;
+        rtl::OUString layoutStyle; // page style the element is laid out with
+    };
 
     // Layout page numbers of the pages that are printed, in order.
     std::vector<int> printedPages();
@@ -63,6 +74,11 @@ private:
     int offsetOf(const Layout &l, const css::uno::Reference<css::text::XTextRange> &point, int *element);
     // A collapsed cursor at a real point inside a paragraph; null for a table slot.
     css::uno::Reference<css::text::XTextCursor> cursorAt(const Layout &l, int point);
+    // Deletes from one point in paragraph text to another; followerIndex names the element that
+    // begins right after the cut, or -1.
+    void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    BreakState breakStateOf(const Element &e);
+    void restoreBreak(const Element &e, const BreakState &before);
     int measure(const css::uno::Reference<css::text::XTextRange> &from,
                 const css::uno::Reference<css::text::XTextRange> &to);
 
