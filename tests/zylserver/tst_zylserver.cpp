@@ -50,6 +50,20 @@ QVector<Page> textPages(const QStringList &texts)
     return pages;
 }
 
+// Pages two and four must be right-hand pages, so the office lays out a blank page before page two.
+QVector<Page> rightPages()
+{
+    return {{"right one", Page::Text, 0}, {"right two", Page::RightPage, 0}, {"right three", Page::Text, 0},
+            {"right four", Page::RightPage, 0}};
+}
+
+// The third page begins right after the table that fills the second.
+QVector<Page> afterTable()
+{
+    return {{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"after three", Page::Text, 0},
+            {"four", Page::Text, 0}};
+}
+
 QString zipEntryHint(const QString &path)
 {
     QFile f(path);
@@ -77,6 +91,8 @@ private slots:
     void pageBoundariesAgree();
     void deletePagesKeepsOthers_data();
     void deletePagesKeepsOthers();
+    void deleteThroughSplitTable_data();
+    void deleteThroughSplitTable();
     void appendDocument();
     void saveAsFormats_data();
     void saveAsFormats();
@@ -213,6 +229,7 @@ void tst_ZylServer::pageCountMatchesPdf_data()
         << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
     QTest::newRow("landscape_section_zyl") << "landscape.zyl"
         << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
+    QTest::newRow("blank_page_left_out_zyl") << "blank.zyl" << rightPages();
 }
 
 void tst_ZylServer::pageCountMatchesPdf()
@@ -303,6 +320,8 @@ void tst_ZylServer::pageBoundariesAgree_data()
         << QVector<Page>{{"before table", Page::LongTable, 90}, {"after table", Page::Text, 0}};
     QTest::newRow("landscape_docx") << "landscape.docx"
         << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
+    QTest::newRow("blank_pages_zyl") << "blank.zyl" << rightPages();
+    QTest::newRow("page_after_table_zyl") << "del-aftertable.zyl" << afterTable();
 }
 
 void tst_ZylServer::pageBoundariesAgree()
@@ -371,6 +390,14 @@ void tst_ZylServer::deletePagesKeepsOthers_data()
     QTest::newRow("page_before_table_removed") << "del-tables.zyl" << tables << 3 << 3;
     QTest::newRow("first_page_before_table_removed") << "del-tables.zyl" << tables << 1 << 1;
     QTest::newRow("table_page_at_end_removed") << "del-tables.docx" << tables << 4 << 4;
+    QTest::newRow("page_right_after_table_removed") << "del-aftertable.zyl" << afterTable() << 3 << 3;
+    QTest::newRow("table_page_before_page_after_table_removed") << "del-aftertable.zyl" << afterTable() << 2 << 2;
+    QTest::newRow("table_and_page_after_it_removed") << "del-aftertable.docx" << afterTable() << 2 << 3;
+    QTest::newRow("page_after_table_to_end") << "del-aftertable.docx" << afterTable() << 3 << 4;
+    QTest::newRow("first_two_pages_up_to_page_after_table") << "del-aftertable.zyl" << afterTable() << 1 << 2;
+    QTest::newRow("right_page_after_blank_removed") << "del-blank.zyl" << rightPages() << 2 << 2;
+    QTest::newRow("page_between_right_pages_removed") << "del-blank.zyl" << rightPages() << 3 << 3;
+    QTest::newRow("blank_pages_to_end_removed") << "del-blank.zyl" << rightPages() << 2 << 4;
 }
 
 void tst_ZylServer::deletePagesKeepsOthers()
@@ -421,6 +448,68 @@ void tst_ZylServer::deletePagesKeepsOthers()
         QVERIFY2(m.hasMatch(), qPrintable(out));
         const bool wide = m.captured(1).toDouble() > m.captured(2).toDouble();
         QCOMPARE(wide, kept[i].kind == Page::Landscape);
+    }
+}
+
+void tst_ZylServer::deleteThroughSplitTable_data()
+{
+    // Pages: 1 "cover", 2 "lead" and the table's first rows, 3 the table's last rows, 4 "after".
+    // A table that a cut goes through stays whole, rows on removed pages included, so that the
+    // pages that stay keep their text.
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+    QTest::addColumn<int>("pagesAfter");
+    QTest::addColumn<int>("rowsKept");
+    QTest::addColumn<QStringList>("kept");
+    QTest::addColumn<QStringList>("gone");
+
+    QTest::newRow("page_with_table_start_removed_table_stays_whole")
+        << 2 << 2 << 3 << 60 << QStringList{"cover", "after"} << QStringList{"lead"};
+    QTest::newRow("page_with_table_end_removed_table_stays_whole_nothing_goes")
+        << 3 << 3 << 4 << 60 << QStringList{"cover", "lead", "after"} << QStringList{};
+    QTest::newRow("all_pages_of_table_removed_table_goes")
+        << 2 << 3 << 2 << 0 << QStringList{"cover", "after"} << QStringList{"lead"};
+    QTest::newRow("cover_and_table_start_removed_table_stays_whole")
+        << 1 << 2 << 3 << 60 << QStringList{"after"} << QStringList{"cover", "lead"};
+    QTest::newRow("from_table_end_to_end_table_stays_whole")
+        << 3 << 4 << 3 << 60 << QStringList{"cover", "lead"} << QStringList{"after"};
+}
+
+void tst_ZylServer::deleteThroughSplitTable()
+{
+    QFETCH(int, first);
+    QFETCH(int, last);
+    QFETCH(int, pagesAfter);
+    QFETCH(int, rowsKept);
+    QFETCH(QStringList, kept);
+    QFETCH(QStringList, gone);
+
+    const QString source = pageDoc(QStringLiteral("splittable.zyl"),
+                                   {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 60}, {"after", Page::Text, 0}});
+    const QString work = m_dir.filePath(QStringLiteral("split-%1-%2.zyl").arg(first).arg(last));
+    QFile::remove(work);
+    QVERIFY(QFile::copy(source, work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    LONG before = 0;
+    QCOMPARE(A::pageCount(doc.get(), &before), S_OK);
+    QCOMPARE(before, 4); // the table must run over two pages for this test to mean anything
+    QCOMPARE(A::deletePages(doc.get(), first, last), S_OK);
+    LONG after = 0;
+    QCOMPARE(A::pageCount(doc.get(), &after), S_OK);
+    QCOMPARE(int(after), pagesAfter);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+
+    const QString text = ZylTestDocuments::pageTexts(work).join(QLatin1Char(' '));
+    QVERIFY(!text.isEmpty());
+    QCOMPARE(int(text.count(QRegularExpression(QStringLiteral("\\brow \\d+\\b")))), rowsKept);
+    for (const QString &t : kept)
+        QVERIFY2(text.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(t))), qPrintable(t + QStringLiteral(" is missing: ") + text));
+    for (const QString &t : gone) {
+        // The table's cells repeat the lead text; only its own paragraph goes.
+        const int expected = t == QLatin1String("lead") ? rowsKept : 0;
+        QCOMPARE(int(text.count(QRegularExpression(QStringLiteral("\\b%1\\b").arg(t)))), expected);
     }
 }
 

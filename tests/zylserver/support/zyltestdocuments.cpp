@@ -124,6 +124,8 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
         QString paraStyle;
         if (landscape)
             paraStyle = QStringLiteral("PL");
+        else if (page.kind == Page::RightPage)
+            paraStyle = QStringLiteral("PR");
         else if (previousLandscape || i == 0)
             paraStyle = QStringLiteral("PP");
         else
@@ -178,12 +180,15 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
         "<office:automatic-styles>"
         "<style:page-layout style:name=\"pmPortrait\"><style:page-layout-properties fo:page-width=\"21cm\" fo:page-height=\"29.7cm\" "
         "style:print-orientation=\"portrait\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
+        "<style:page-layout style:name=\"pmRight\" style:page-usage=\"right\"><style:page-layout-properties fo:page-width=\"21cm\" fo:page-height=\"29.7cm\" "
+        "style:print-orientation=\"portrait\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
         "<style:page-layout style:name=\"pmLandscape\"><style:page-layout-properties fo:page-width=\"29.7cm\" fo:page-height=\"21cm\" "
         "style:print-orientation=\"landscape\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
         "<style:style style:name=\"PB\" style:family=\"paragraph\" style:parent-style-name=\"Standard\"><style:paragraph-properties fo:break-before=\"page\"/></style:style>"
         "<style:style style:name=\"PN\" style:family=\"paragraph\" style:parent-style-name=\"Standard\"/>"
         "<style:style style:name=\"PP\" style:family=\"paragraph\" style:parent-style-name=\"Standard\" style:master-page-name=\"Standard\"/>"
         "<style:style style:name=\"PL\" style:family=\"paragraph\" style:parent-style-name=\"Standard\" style:master-page-name=\"Landscape\"/>"
+        "<style:style style:name=\"PR\" style:family=\"paragraph\" style:parent-style-name=\"Standard\" style:master-page-name=\"RightOnly\"/>"
         "<style:style style:name=\"TB\" style:family=\"table\"><style:table-properties style:width=\"17cm\" table:align=\"margins\" fo:break-before=\"page\"/></style:style>"
         "<style:style style:name=\"TN\" style:family=\"table\"><style:table-properties style:width=\"17cm\" table:align=\"margins\"/></style:style>"
         "<style:style style:name=\"fr1\" style:family=\"graphic\"><style:graphic-properties style:vertical-pos=\"top\" style:vertical-rel=\"baseline\"/></style:style>"
@@ -191,6 +196,7 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
         "<office:master-styles>"
         "<style:master-page style:name=\"Standard\" style:page-layout-name=\"pmPortrait\"/>"
         "<style:master-page style:name=\"Landscape\" style:page-layout-name=\"pmLandscape\"/>"
+        "<style:master-page style:name=\"RightOnly\" style:page-layout-name=\"pmRight\" style:next-style-name=\"Standard\"/>"
         "</office:master-styles>\n"
         "<office:body><office:text>%1</office:text></office:body></office:document>\n")
                                  .arg(body);

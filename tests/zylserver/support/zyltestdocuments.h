@@ -19,7 +19,9 @@ public:
             Landscape,  // the text on a landscape page of its own page style
             Image,      // the text, then an embedded picture
             TableStart, // the page begins with a table whose first cell holds the text
-            LongTable   // the text, then a table of tableRows rows that runs on over the next pages
+            LongTable,  // the text, then a table of tableRows rows that runs on over the next pages
+            RightPage   // the text on a page that must be a right-hand one: where it would fall on a
+                        // left-hand page the office puts a blank page before it
         };
         QString text;
         Kind kind = Text;
