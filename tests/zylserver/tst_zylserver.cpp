@@ -322,6 +322,8 @@ void tst_ZylServer::pageBoundariesAgree_data()
         << QVector<Page>{{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
     QTest::newRow("blank_pages_zyl") << "blank.zyl" << rightPages();
     QTest::newRow("page_after_table_zyl") << "del-aftertable.zyl" << afterTable();
+    QTest::newRow("repeated_table_heading_docx") << "headed.docx"
+        << QVector<Page>{{"before headed", Page::HeadedTable, 70}, {"after headed", Page::Text, 0}};
 }
 
 void tst_ZylServer::pageBoundariesAgree()

@@ -149,10 +149,14 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
                                    "text:anchor-type=\"as-char\" svg:width=\"4cm\" svg:height=\"4cm\" draw:z-index=\"0\">"
                                    "<draw:image><office:binary-data>%2</office:binary-data></draw:image></draw:frame></text:p>")
                         .arg(++frames).arg(QString::fromLatin1(pictureBase64()));
-        } else if (page.kind == Page::LongTable) {
+        } else if (page.kind == Page::LongTable || page.kind == Page::HeadedTable) {
             body += QStringLiteral("<table:table table:name=\"Table%1\" table:style-name=\"TN\">"
                                    "<table:table-column table:number-columns-repeated=\"2\"/>")
                         .arg(++tables);
+            if (page.kind == Page::HeadedTable) {
+                body += QStringLiteral("<table:table-header-rows><table:table-row><table:table-cell office:value-type=\"string\"><text:p>number</text:p></table:table-cell>"
+                                       "<table:table-cell office:value-type=\"string\"><text:p>heading</text:p></table:table-cell></table:table-row></table:table-header-rows>");
+            }
             for (int r = 0; r < page.tableRows; ++r) {
                 body += QStringLiteral("<table:table-row><table:table-cell office:value-type=\"string\"><text:p>row %1</text:p></table:table-cell>"
                                        "<table:table-cell office:value-type=\"string\"><text:p>%2</text:p></table:table-cell></table:table-row>")

@@ -20,8 +20,10 @@ public:
             Image,      // the text, then an embedded picture
             TableStart, // the page begins with a table whose first cell holds the text
             LongTable,  // the text, then a table of tableRows rows that runs on over the next pages
-            RightPage   // the text on a page that must be a right-hand one: where it would fall on a
+            RightPage,  // the text on a page that must be a right-hand one: where it would fall on a
                         // left-hand page the office puts a blank page before it
+            HeadedTable // like LongTable, under a heading row ("number", "heading") that the office
+                        // repeats at the top of every page the table runs on to
         };
         QString text;
         Kind kind = Text;
