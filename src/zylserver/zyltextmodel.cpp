@@ -12,7 +12,10 @@
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/style/BreakType.hpp>
+#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/table/XCell.hpp>
+#include <com/sun/star/table/XCellRange.hpp>
+#include <com/sun/star/table/XTableRows.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XTextRangeCompare.hpp>
@@ -109,7 +112,9 @@ ZylTextModel::Layout ZylTextModel::layout()
         uno::Reference<lang::XServiceInfo> info(e.content, uno::UNO_QUERY);
         e.isTable = info.is() && info->supportsService(ou("com.sun.star.text.TextTable"));
         if (e.isTable) {
-            e.length = 1;
+            uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY);
+            e.rows = table.is() ? std::max<int>(1, table->getRows()->getCount()) : 1;
+            e.length = e.rows - 1;
         } else {
             uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY);
             e.length = range.is() ? range->getString().getLength() : 0;
@@ -272,9 +277,39 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
     rtl::OUString cellName;
     if (cell.is())
         cell->getPropertyValue(ou("CellName")) >>= cellName;
-    const int t = l.elements[size_t(index)].base;
-    const bool tableStartsPage = cellName == ou("A1") && !inRepeatedHeading;
-    *position = tableStartsPage ? t + 1 : t + 2;
+    const Element &e = l.elements[size_t(index)];
+    if (cellName == ou("A1") && !inRepeatedHeading) {
+        *position = e.base + 1;
+        return S_OK;
+    }
+    // The first row that begins on this page; a row split over pages belongs to the earlier one.
+    uno::Reference<table::XCellRange> cells(table, uno::UNO_QUERY_THROW);
+    auto rowPage = [&](int row) -> int {
+        try {
+            uno::Reference<text::XText> cellText(cells->getCellByPosition(0, row), uno::UNO_QUERY);
+            if (!cellText.is())
+                return -1;
+            view->gotoRange(cellText->getStart(), false);
+            return pageCursor->getPage();
+        } catch (const lang::IndexOutOfBoundsException &) {
+            return -1;
+        } catch (const uno::RuntimeException &) {
+            return -1;
+        }
+    };
+    int lo = 1;
+    int hi = e.rows; // e.rows: no row of the table begins on this page
+    while (lo < hi) {
+        const int mid = (lo + hi) / 2;
+        const int p = rowPage(mid);
+        if (p < 0)
+            return E_FAIL;
+        if (p >= layoutPage)
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    *position = e.base + lo + 1;
     return S_OK;
 }
 
@@ -307,11 +342,14 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     const Element &se = l.elements[size_t(startIndex)];
     Kind startKind = Text;
     int firstWhole = startIndex; // first element that goes completely
+    int rowsFrom = -1;           // the cut begins at this row of the start table
     if (fromVirtualMark) {
         startKind = Mark;
     } else if (se.isTable) {
         startKind = Boundary;
         firstWhole = rs == se.base ? startIndex : startIndex + 1;
+        if (rs > se.base)
+            rowsFrom = rs - se.base;
     } else if (rs == se.base + se.length && startIndex < last) {
         startKind = Mark;
         firstWhole = startIndex + 1;
@@ -324,6 +362,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     Kind endKind = Text;
     int endIndex = last;
     int lastWhole = last - 1; // last element that goes completely
+    int rowsTo = -1;          // the cut ends before this row of the end table
     if (re >= l.length) {
         endKind = BodyEnd;
     } else {
@@ -332,8 +371,11 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             return E_FAIL;
         const Element &ee = l.elements[size_t(endIndex)];
         lastWhole = endIndex - 1;
-        if (ee.isTable)
+        if (ee.isTable) {
             endKind = Boundary;
+            if (re > ee.base)
+                rowsTo = re - ee.base;
+        }
         else if (re == ee.base + ee.length && endIndex < last)
             endKind = Mark;
         else if (re == ee.base)
@@ -386,6 +428,15 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             from->setString(rtl::OUString());
         }
     }
+    // Rows of a table that the cut goes through; heading rows stay with the rows that stay.
+    if (rowsFrom > 0 && startIndex == endIndex && rowsTo > rowsFrom) {
+        removeRows(l.elements[size_t(startIndex)], rowsFrom, rowsTo);
+    } else {
+        if (rowsFrom > 0)
+            removeRows(se, rowsFrom, se.rows);
+        if (rowsTo > 0)
+            removeRows(l.elements[size_t(endIndex)], headingRows(l.elements[size_t(endIndex)]), rowsTo);
+    }
     for (int i = lastWhole; i >= firstWhole; --i) {
         uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
         if (element.is())
@@ -397,10 +448,20 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         if (remnant.is()) {
             remnant->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
             remnant->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+            // After a table that fills its last page it would take a page of its own.
+            if (l.elements[size_t(endIndex - 1)].isTable)
+                remnant->setPropertyValue(ou("CharHidden"), uno::Any(true));
         }
     }
     if (followerIndex >= 0)
         restoreBreak(l.elements[size_t(followerIndex)], follower);
+    if (rowsTo > 0 && rowsFrom <= 0 && rs > 0 && follower.valid && follower.breakType == style::BreakType_NONE
+        && follower.pageDesc.isEmpty()) {
+        // The rows that stay began a page; they still do, rather than run on after the page before.
+        uno::Reference<beans::XPropertySet> table(l.elements[size_t(endIndex)].content, uno::UNO_QUERY);
+        if (table.is())
+            table->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
+    }
     return S_OK;
 }
 
@@ -426,6 +487,28 @@ void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualM
     }
     if (follower.valid)
         restoreBreak(l.elements[size_t(followerIndex)], follower);
+}
+
+int ZylTextModel::headingRows(const Element &e)
+{
+    uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY);
+    bool repeated = false;
+    sal_Int32 count = 0;
+    if (props.is()) {
+        props->getPropertyValue(ou("RepeatHeadline")) >>= repeated;
+        props->getPropertyValue(ou("HeaderRowCount")) >>= count;
+    }
+    return repeated ? std::max<int>(0, int(count)) : 0;
+}
+
+void ZylTextModel::removeRows(const Element &e, int from, int to)
+{
+    from = std::max(from, 0);
+    to = std::min(to, e.rows);
+    if (to <= from)
+        return;
+    uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY_THROW);
+    table->getRows()->removeByIndex(from, to - from);
 }
 
 ZylTextModel::BreakState ZylTextModel::breakStateOf(const Element &e)
@@ -469,6 +552,12 @@ HRESULT ZylTextModel::insertPageBreak(LONG position)
     if (!cursor.is())
         return E_INVALIDARG;
     UndoContext undo(m_document, "Page break");
+    if (revealHiddenEnd(l, point)) {
+        // The empty paragraph left after a table becomes the new page's first one.
+        uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(elementAt(l, point))].content, uno::UNO_QUERY_THROW);
+        paragraph->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
+        return S_OK;
+    }
     m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursor, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     uno::Reference<beans::XPropertySet> props(cursor, uno::UNO_QUERY_THROW);
     props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
@@ -482,8 +571,25 @@ HRESULT ZylTextModel::insertParagraph(LONG position)
     uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    revealHiddenEnd(l, point);
     m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursor, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     return S_OK;
+}
+
+bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
+{
+    const int index = elementAt(l, point);
+    if (index < 0 || index != int(l.elements.size()) - 1 || l.elements[size_t(index)].isTable
+        || l.elements[size_t(index)].length != 0)
+        return false;
+    uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY);
+    bool hidden = false;
+    if (paragraph.is())
+        paragraph->getPropertyValue(ou("CharHidden")) >>= hidden;
+    if (!hidden)
+        return false;
+    paragraph->setPropertyValue(ou("CharHidden"), uno::Any(false));
+    return true;
 }
 
 HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
@@ -493,6 +599,7 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
     uno::Reference<text::XTextCursor> cursor = cursorAt(before, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    revealHiddenEnd(before, point);
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
     insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());

@@ -2,9 +2,9 @@
 // the editing members.
 //
 // The body is a row of paragraphs and tables. A paragraph takes its characters plus one for its
-// end mark; a table takes two: its start and its inside. Position p stands just before the
-// (p-1)-th of these; position 0 stands before a virtual paragraph mark ahead of the whole body,
-// so the last body position is the body's length plus one.
+// end mark; a table takes one per row. Position p stands just before the (p-1)-th of these;
+// position 0 stands before a virtual paragraph mark ahead of the whole body, so the last body
+// position is the body's length plus one.
 //
 // A page that begins at a paragraph start after another paragraph begins, in positions, at the
 // end mark that closes the page before. Deleting from one such page start to another then removes
@@ -12,8 +12,8 @@
 // paragraph after the cut keeps its own page style and break, and a cut to the end leaves no empty
 // page behind. A page that begins with a table, or right after one, begins at that element; a
 // cut with such an end removes whole paragraphs and tables instead. A page that begins inside a
-// table begins at the table's inside, so a cut through a table leaves the table whole: the pages
-// that stay keep their rows.
+// table begins at the first row that starts on it, so a cut through a table removes the rows on
+// the removed pages and keeps the others with their heading rows.
 #pragma once
 
 #include <vector>
@@ -50,7 +50,8 @@ private:
     struct Element {
         bool isTable = false;
         int base = 0;   // offset of its first character in the body
-        int length = 0; // characters, without the end mark
+        int length = 0; // characters, without the end mark; a table's rows less one
+        int rows = 0;   // a table's rows
         css::uno::Reference<css::text::XTextContent> content;
     };
     struct Layout {
@@ -77,6 +78,13 @@ private:
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    // Shows again the empty last paragraph that a cut to the end hid after a table, when point
+    // lies in it; true when it did.
+    bool revealHiddenEnd(const Layout &l, int point);
+    // Rows a table repeats at the top of each page it runs on to.
+    static int headingRows(const Element &e);
+    // Removes rows from..to-1 of a table.
+    static void removeRows(const Element &e, int from, int to);
     BreakState breakStateOf(const Element &e);
     void restoreBreak(const Element &e, const BreakState &before);
     int measure(const css::uno::Reference<css::text::XTextRange> &from,

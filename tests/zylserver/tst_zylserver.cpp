@@ -94,6 +94,7 @@ private slots:
     void deleteThroughSplitTable_data();
     void deleteThroughSplitTable();
     void appendDocument();
+    void appendAfterCutThroughTable();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
@@ -324,6 +325,8 @@ void tst_ZylServer::pageBoundariesAgree_data()
     QTest::newRow("page_after_table_zyl") << "del-aftertable.zyl" << afterTable();
     QTest::newRow("repeated_table_heading_docx") << "headed.docx"
         << QVector<Page>{{"before headed", Page::HeadedTable, 70}, {"after headed", Page::Text, 0}};
+    QTest::newRow("table_over_three_pages_zyl") << "headed3.zyl"
+        << QVector<Page>{{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}};
 }
 
 void tst_ZylServer::pageBoundariesAgree()
@@ -455,64 +458,81 @@ void tst_ZylServer::deletePagesKeepsOthers()
 
 void tst_ZylServer::deleteThroughSplitTable_data()
 {
-    // Pages: 1 "cover", 2 "lead" and the table's first rows, 3 the table's last rows, 4 "after".
-    // A table that a cut goes through stays whole, rows on removed pages included, so that the
-    // pages that stay keep their text.
+    // A table that a cut goes through loses the rows on the removed pages and keeps the others,
+    // heading rows included, so every page that stays keeps its text.
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("last");
-    QTest::addColumn<int>("pagesAfter");
-    QTest::addColumn<int>("rowsKept");
-    QTest::addColumn<QStringList>("kept");
-    QTest::addColumn<QStringList>("gone");
 
-    QTest::newRow("page_with_table_start_removed_table_stays_whole")
-        << 2 << 2 << 3 << 60 << QStringList{"cover", "after"} << QStringList{"lead"};
-    QTest::newRow("page_with_table_end_removed_table_stays_whole_nothing_goes")
-        << 3 << 3 << 4 << 60 << QStringList{"cover", "lead", "after"} << QStringList{};
-    QTest::newRow("all_pages_of_table_removed_table_goes")
-        << 2 << 3 << 2 << 0 << QStringList{"cover", "after"} << QStringList{"lead"};
-    QTest::newRow("cover_and_table_start_removed_table_stays_whole")
-        << 1 << 2 << 3 << 60 << QStringList{"after"} << QStringList{"cover", "lead"};
-    QTest::newRow("from_table_end_to_end_table_stays_whole")
-        << 3 << 4 << 3 << 60 << QStringList{"cover", "lead"} << QStringList{"after"};
+    const QVector<Page> split = {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 60}, {"after", Page::Text, 0}};
+    QTest::newRow("page_with_table_start_removed_its_rows_go") << "split.zyl" << split << 2 << 2;
+    QTest::newRow("page_with_table_end_removed_its_rows_go") << "split.zyl" << split << 3 << 3;
+    QTest::newRow("all_pages_of_table_removed_table_goes") << "split.zyl" << split << 2 << 3;
+    QTest::newRow("cover_and_table_start_removed") << "split.zyl" << split << 1 << 2;
+    QTest::newRow("table_end_to_end_removed") << "split.docx" << split << 3 << 4;
+    const QVector<Page> headed = {{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}};
+    QTest::newRow("middle_page_of_headed_table_removed") << "headed3.docx" << headed << 2 << 2;
+    QTest::newRow("first_page_of_headed_table_removed_heading_stays") << "headed3.zyl" << headed << 1 << 1;
+    QTest::newRow("last_pages_of_headed_table_removed") << "headed3.zyl" << headed << 2 << 3;
 }
 
 void tst_ZylServer::deleteThroughSplitTable()
 {
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
     QFETCH(int, first);
     QFETCH(int, last);
-    QFETCH(int, pagesAfter);
-    QFETCH(int, rowsKept);
-    QFETCH(QStringList, kept);
-    QFETCH(QStringList, gone);
 
-    const QString source = pageDoc(QStringLiteral("splittable.zyl"),
-                                   {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 60}, {"after", Page::Text, 0}});
-    const QString work = m_dir.filePath(QStringLiteral("split-%1-%2.zyl").arg(first).arg(last));
+    const QString source = pageDoc(name, pages);
+    const QStringList before = ZylTestDocuments::pageTexts(source);
+    QVERIFY(before.size() >= last);
+    const QRegularExpression rowPattern(QStringLiteral("\\brow \\d+\\b"));
+    auto rowsOf = [&](const QString &text) {
+        QSet<QString> rows;
+        for (auto it = rowPattern.globalMatch(text); it.hasNext();)
+            rows.insert(it.next().captured(0));
+        return rows;
+    };
+    QSet<QString> keptRows;
+    QStringList keptWords;
+    QStringList goneWords;
+    for (int i = 0; i < before.size(); ++i) {
+        const bool keep = i + 1 < first || i + 1 > last;
+        if (keep)
+            keptRows += rowsOf(before[i]);
+        for (const QString &word : {QStringLiteral("cover"), QStringLiteral("after")}) {
+            if (before[i].contains(word))
+                (keep ? keptWords : goneWords).append(word);
+        }
+    }
+    // The table must really run over the pages the row names.
+    QVERIFY(!rowsOf(before[first - 1]).isEmpty() || !rowsOf(before[last - 1]).isEmpty());
+
+    const QString work = m_dir.filePath(QStringLiteral("cut-%1-%2-%3").arg(first).arg(last).arg(name));
     QFile::remove(work);
     QVERIFY(QFile::copy(source, work));
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
-    LONG before = 0;
-    QCOMPARE(A::pageCount(doc.get(), &before), S_OK);
-    QCOMPARE(before, 4); // the table must run over two pages for this test to mean anything
+    LONG count = 0;
+    QCOMPARE(A::pageCount(doc.get(), &count), S_OK);
+    QCOMPARE(int(count), before.size());
     QCOMPARE(A::deletePages(doc.get(), first, last), S_OK);
-    LONG after = 0;
-    QCOMPARE(A::pageCount(doc.get(), &after), S_OK);
-    QCOMPARE(int(after), pagesAfter);
+    QCOMPARE(A::pageCount(doc.get(), &count), S_OK);
+    QCOMPARE(int(count), before.size() - (last - first + 1));
     QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
 
     const QString text = ZylTestDocuments::pageTexts(work).join(QLatin1Char(' '));
     QVERIFY(!text.isEmpty());
-    QCOMPARE(int(text.count(QRegularExpression(QStringLiteral("\\brow \\d+\\b")))), rowsKept);
-    for (const QString &t : kept)
-        QVERIFY2(text.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(t))), qPrintable(t + QStringLiteral(" is missing: ") + text));
-    for (const QString &t : gone) {
-        // The table's cells repeat the lead text; only its own paragraph goes.
-        const int expected = t == QLatin1String("lead") ? rowsKept : 0;
-        QCOMPARE(int(text.count(QRegularExpression(QStringLiteral("\\b%1\\b").arg(t)))), expected);
-    }
+    QCOMPARE(rowsOf(text), keptRows);
+    for (const QString &word : keptWords)
+        QVERIFY2(text.contains(word), qPrintable(word));
+    for (const QString &word : goneWords)
+        QVERIFY2(!text.contains(word), qPrintable(word));
+    // Heading rows stay on every page the table still runs over.
+    if (pages.first().kind == Page::HeadedTable && !keptRows.isEmpty())
+        QVERIFY(text.contains(QStringLiteral("heading")));
 }
 
 void tst_ZylServer::appendDocument()
@@ -532,6 +552,34 @@ void tst_ZylServer::appendDocument()
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
     const QStringList texts = ZylTestDocuments::pageTexts(target);
     QCOMPARE(texts, QStringList({"first alpha", "first bravo", "second alpha", "second bravo", "second charlie"}));
+}
+
+void tst_ZylServer::appendAfterCutThroughTable()
+{
+    // A cut to the end that goes through a table leaves the body's last paragraph behind the
+    // table's remaining rows; a document appended there must start on the very next page.
+    const QString source = pageDoc(QStringLiteral("split.zyl"),
+                                   {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 60}, {"after", Page::Text, 0}});
+    const QString b = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString target = m_dir.filePath(QStringLiteral("append-after-cut.zyl"));
+    QFile::remove(target);
+    QVERIFY(QFile::copy(source, target));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::deletePages(doc.get(), 3, 4), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 2);
+    QCOMPARE(A::appendDocument(doc.get(), b), S_OK);
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 5);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(target);
+    QCOMPARE(texts.size(), 5);
+    QVERIFY(texts[0].startsWith(QStringLiteral("cover")));
+    QVERIFY(texts[1].contains(QStringLiteral("row")));
+    QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
 }
 
 void tst_ZylServer::saveAsFormats_data()
