@@ -256,12 +256,16 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
         return S_OK;
     }
 
-    // The page begins inside a table: at its first cell when the table starts the page.
+    // The page begins inside a table (at its first cell when the table starts the page), or in
+    // notes.
     uno::Reference<beans::XPropertySet> viewProps(view, uno::UNO_QUERY_THROW);
     uno::Reference<text::XTextTable> table;
     viewProps->getPropertyValue(ou("TextTable")) >>= table;
-    if (!table.is())
-        return E_FAIL;
+    if (!table.is()) {
+        // A page of notes only, after the body has ended.
+        *position = l.length + 1;
+        return S_OK;
+    }
     uno::Reference<text::XTextContent> tableContent(table, uno::UNO_QUERY);
     int index = -1;
     for (size_t i = 0; i < l.elements.size(); ++i) {
