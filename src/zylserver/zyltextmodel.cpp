@@ -486,6 +486,17 @@ void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualM
         const Layout after = layout();
         if (after.elements.size() > 1 && !after.elements.front().isTable && after.elements.front().length == 0
             && after.elements[1].content == l.elements[size_t(followerIndex)].content) {
+            // The last paragraph of a text section cannot go while the section is there.
+            uno::Reference<beans::XPropertySet> props(after.elements.front().content, uno::UNO_QUERY);
+            uno::Reference<lang::XComponent> section;
+            if (props.is())
+                props->getPropertyValue(ou("TextSection")) >>= section;
+            uno::Reference<beans::XPropertySet> followerProps(after.elements[1].content, uno::UNO_QUERY);
+            uno::Reference<lang::XComponent> followerSection;
+            if (followerProps.is())
+                followerProps->getPropertyValue(ou("TextSection")) >>= followerSection;
+            if (section.is() && section != followerSection)
+                section->dispose();
             uno::Reference<lang::XComponent>(after.elements.front().content, uno::UNO_QUERY_THROW)->dispose();
         }
     }

@@ -87,6 +87,8 @@ private slots:
     void pageCountMatchesPdf();
     void corpus_data();
     void corpus();
+    void corpusPageDeleted_data();
+    void corpusPageDeleted();
     void pageBoundariesAgree_data();
     void pageBoundariesAgree();
     void deletePagesKeepsOthers_data();
@@ -324,6 +326,40 @@ void tst_ZylServer::corpus()
     QVERIFY(after.open(QIODevice::ReadOnly));
     QVERIFY2(after.readAll() == before, "the source document changed");
     QVERIFY(!QFileInfo::exists(QFileInfo(path).absolutePath() + QStringLiteral("/.~lock.") + QFileInfo(path).fileName() + QLatin1Char('#')));
+}
+
+void tst_ZylServer::corpusPageDeleted_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("page");
+    QTest::newRow("landscape_text_section_first_page") << "sct-section-props.docx" << 1;
+    QTest::newRow("odd_page_section_middle") << "sct-section-props.docx" << 3;
+    QTest::newRow("body_page_before_notes") << "notes.docx" << 1;
+    QTest::newRow("table_spanning_pages_middle") << "bib-chernigovka.netdo.ru_download_docs_17459.docx" << 8;
+    QTest::newRow("table_spanning_pages_first") << "bib-chernigovka.netdo.ru_download_docs_17459.docx" << 1;
+    QTest::newRow("legacy_long_with_blank_pages") << "parentinvguid.doc" << 31;
+    QTest::newRow("cjk_last_page") << "A4.docx" << 5;
+    QTest::newRow("toc_page") << "toc.docx" << 1;
+}
+
+void tst_ZylServer::corpusPageDeleted()
+{
+    QFETCH(QString, file);
+    QFETCH(int, page);
+    const QString shared = qEnvironmentVariable("VDM_SHARED_DIR", QStringLiteral("/work/shared"));
+    const QString work = m_dir.filePath(QStringLiteral("corpus-%1-%2").arg(page).arg(file));
+    QFile::remove(work);
+    QVERIFY(QFile::copy(shared + QStringLiteral("/corpus/") + file, work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    LONG before = 0;
+    QCOMPARE(A::pageCount(doc.get(), &before), S_OK);
+    QVERIFY(before >= page);
+    QCOMPARE(A::deletePages(doc.get(), page, page), S_OK);
+    LONG after = 0;
+    QCOMPARE(A::pageCount(doc.get(), &after), S_OK);
+    QCOMPARE(after, before - 1);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
 }
 
 void tst_ZylServer::pageBoundariesAgree_data()
