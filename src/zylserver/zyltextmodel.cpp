@@ -463,7 +463,10 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         && follower.pageDesc.isEmpty()) {
         // The rows that stay began a page; they still do, rather than run on after the page before.
         uno::Reference<beans::XPropertySet> table(l.elements[size_t(endIndex)].content, uno::UNO_QUERY);
+        rtl::OUString pageDesc;
         if (table.is())
+            table->getPropertyValue(ou("PageDescName")) >>= pageDesc;
+        if (table.is() && pageDesc.isEmpty())
             table->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
     }
     return S_OK;
@@ -534,10 +537,32 @@ ZylTextModel::BreakState ZylTextModel::breakStateOf(const Element &e)
         return state;
     props->getPropertyValue(ou("PageDescName")) >>= state.pageDesc;
     props->getPropertyValue(ou("BreakType")) >>= state.breakType;
-    if (!e.isTable)
-        state.layoutStyle = pageStyleOf(e.content);
+    state.layoutStyle = layoutStyleOf(e);
     state.valid = true;
     return state;
+}
+
+rtl::OUString ZylTextModel::layoutStyleOf(const Element &e)
+{
+    if (!e.isTable)
+        return pageStyleOf(e.content);
+    // A table is laid out on the pages of its first cell's paragraphs.
+    uno::Reference<table::XCellRange> cells(e.content, uno::UNO_QUERY);
+    if (!cells.is())
+        return rtl::OUString();
+    try {
+        uno::Reference<container::XEnumerationAccess> cell(cells->getCellByPosition(0, 0), uno::UNO_QUERY);
+        if (!cell.is())
+            return rtl::OUString();
+        uno::Reference<container::XEnumeration> paragraphs = cell->createEnumeration();
+        if (!paragraphs->hasMoreElements())
+            return rtl::OUString();
+        uno::Reference<uno::XInterface> first;
+        paragraphs->nextElement() >>= first;
+        return pageStyleOf(first);
+    } catch (const lang::IndexOutOfBoundsException &) {
+        return rtl::OUString();
+    }
 }
 
 void ZylTextModel::restoreBreak(const Element &e, const BreakState &before)
@@ -555,7 +580,7 @@ void ZylTextModel::restoreBreak(const Element &e, const BreakState &before)
     if (breakType != before.breakType)
         props->setPropertyValue(ou("BreakType"), uno::Any(before.breakType));
     // A page style it only inherited from the pages before is kept explicitly.
-    if (!before.layoutStyle.isEmpty() && pageStyleOf(e.content) != before.layoutStyle)
+    if (!before.layoutStyle.isEmpty() && layoutStyleOf(e) != before.layoutStyle)
         props->setPropertyValue(ou("PageDescName"), uno::Any(before.layoutStyle));
 }
 

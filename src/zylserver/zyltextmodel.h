@@ -85,6 +85,8 @@ private:
     static int headingRows(const Element &e);
     // Removes rows from..to-1 of a table.
     static void removeRows(const Element &e, int from, int to);
+    // The page style the element is laid out with now.
+    rtl::OUString layoutStyleOf(const Element &e);
     BreakState breakStateOf(const Element &e);
     void restoreBreak(const Element &e, const BreakState &before);
     int measure(const css::uno::Reference<css::text::XTextRange> &from,

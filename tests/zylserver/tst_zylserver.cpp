@@ -340,6 +340,7 @@ void tst_ZylServer::corpusPageDeleted_data()
     QTest::newRow("legacy_long_with_blank_pages") << "parentinvguid.doc" << 31;
     QTest::newRow("cjk_last_page") << "A4.docx" << 5;
     QTest::newRow("toc_page") << "toc.docx" << 1;
+    QTest::newRow("portrait_table_page_after_landscape") << "bug65649.docx" << 90;
 }
 
 void tst_ZylServer::corpusPageDeleted()
