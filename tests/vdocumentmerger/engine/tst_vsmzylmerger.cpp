@@ -53,8 +53,8 @@ private slots:
     void cancelDuringLastAppend();
 
 private:
-    QList<MergeItem> items(const QStringList &specs) const;
-    MergeTask task(const QStringList &specs, const QString &outputName) const;
+    QList<MergeItem> items(const QStringList &itemTexts) const;
+    MergeTask task(const QStringList &itemTexts, const QString &outputName) const;
     QByteArray checksums() const;
     void runAndWait(VSMMerger &merger, const MergeTask &task);
 
@@ -99,11 +99,11 @@ void tst_VSMZylMerger::cleanup()
         QFile::remove(m_dir.filePath(name));
 }
 
-QList<MergeItem> tst_VSMZylMerger::items(const QStringList &specs) const
+QList<MergeItem> tst_VSMZylMerger::items(const QStringList &itemTexts) const
 {
     QList<MergeItem> list;
-    for (const QString &spec : specs) {
-        const QStringList parts = spec.split(QLatin1Char(' '));
+    for (const QString &itemText : itemTexts) {
+        const QStringList parts = itemText.split(QLatin1Char(' '));
         MergeItem item;
         item.filePath = m_dir.filePath(parts.at(0));
         item.from = parts.at(1).toInt();
@@ -114,10 +114,10 @@ QList<MergeItem> tst_VSMZylMerger::items(const QStringList &specs) const
 }
 
 // Built as the merge page builds it.
-MergeTask tst_VSMZylMerger::task(const QStringList &specs, const QString &outputName) const
+MergeTask tst_VSMZylMerger::task(const QStringList &itemTexts, const QString &outputName) const
 {
     MergeTask t;
-    t.items = items(specs);
+    t.items = items(itemTexts);
     t.outputPath = m_dir.filePath(outputName);
     if (!t.items.isEmpty()) {
         const QFileInfo first(t.items.first().filePath);
@@ -149,7 +149,7 @@ void tst_VSMZylMerger::runAndWait(VSMMerger &merger, const MergeTask &t)
 
 void tst_VSMZylMerger::mergesChosenPages_data()
 {
-    QTest::addColumn<QStringList>("specs");
+    QTest::addColumn<QStringList>("itemTexts");
     QTest::addColumn<QStringList>("pages");
 
     QTest::newRow("three_sources_middle_whole_and_past_the_end")
@@ -165,17 +165,17 @@ void tst_VSMZylMerger::mergesChosenPages_data()
 
 void tst_VSMZylMerger::mergesChosenPages()
 {
-    QFETCH(QStringList, specs);
+    QFETCH(QStringList, itemTexts);
     QFETCH(QStringList, pages);
     const QByteArray before = checksums();
 
     VSMZylMerger merger;
     MergerLog log(&merger);
-    const MergeTask t = task(specs, QStringLiteral("out.docx"));
+    const MergeTask t = task(itemTexts, QStringLiteral("out.docx"));
     runAndWait(merger, t);
 
     QStringList expectedLog{QStringLiteral("init")};
-    for (int i = 1; i <= specs.size(); ++i)
+    for (int i = 1; i <= itemTexts.size(); ++i)
         expectedLog << QStringLiteral("sub %1 100").arg(i);
     expectedLog << QStringLiteral("finished 0");
     QCOMPARE(log.entries(), expectedLog);
@@ -193,7 +193,7 @@ void tst_VSMZylMerger::mergesChosenPages()
 
 void tst_VSMZylMerger::failsWithoutOutput_data()
 {
-    QTest::addColumn<QStringList>("specs");
+    QTest::addColumn<QStringList>("itemTexts");
     QTest::addColumn<QString>("failingMember");
     QTest::addColumn<bool>("opensAnything");
 
@@ -223,7 +223,7 @@ void tst_VSMZylMerger::failsWithoutOutput_data()
 
 void tst_VSMZylMerger::failsWithoutOutput()
 {
-    QFETCH(QStringList, specs);
+    QFETCH(QStringList, itemTexts);
     QFETCH(QString, failingMember);
     QFETCH(bool, opensAnything);
     if (!failingMember.isEmpty())
@@ -232,7 +232,7 @@ void tst_VSMZylMerger::failsWithoutOutput()
 
     VSMZylMerger merger;
     MergerLog log(&merger);
-    MergeTask t = task(specs, QStringLiteral("out.docx"));
+    MergeTask t = task(itemTexts, QStringLiteral("out.docx"));
     if (t.workPath.isEmpty())
         t.workPath = VMEnv::workFilePath(QStringLiteral("none"), QStringLiteral("docx"), 2);
     runAndWait(merger, t);
