@@ -639,6 +639,7 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
     uno::Reference<text::XTextCursor> cursor = cursorAt(before, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    UndoContext undo(m_document, "Insert file");
     revealHiddenEnd(before, point);
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
@@ -648,6 +649,16 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
     if (after.elements.size() == before.elements.size() && after.length == before.length) {
         qCWarning(lcZylServer) << "nothing was inserted from" << url;
         return E_FAIL;
+    }
+    // Some formats arrive with a paragraph of their own after the content, others end in the
+    // paragraph they were inserted into. Give every insertion that paragraph, so the content
+    // ends with its own mark and what followed the insertion point starts a paragraph.
+    const int contentEnd = point + (after.length - before.length);
+    const int index = elementAt(after, contentEnd);
+    if (index >= 0 && !after.elements[size_t(index)].isTable && after.elements[size_t(index)].base != contentEnd) {
+        uno::Reference<text::XTextCursor> end = cursorAt(after, contentEnd);
+        if (end.is())
+            m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
     return S_OK;
 }

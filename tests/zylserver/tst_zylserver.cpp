@@ -95,6 +95,7 @@ private slots:
     void deletePagesKeepsOthers();
     void deleteThroughSplitTable_data();
     void deleteThroughSplitTable();
+    void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
     void saveAsFormats_data();
@@ -588,10 +589,21 @@ void tst_ZylServer::deleteThroughSplitTable()
         QVERIFY(text.contains(QStringLiteral("heading")));
 }
 
+void tst_ZylServer::appendDocument_data()
+{
+    QTest::addColumn<QString>("suffix");
+    // The formats differ in whether the inserted content ends in a paragraph of its own.
+    QTest::newRow("docx_source") << QStringLiteral("docx");
+    QTest::newRow("doc_source") << QStringLiteral("doc");
+    QTest::newRow("zyl_source") << QStringLiteral("zyl");
+}
+
 void tst_ZylServer::appendDocument()
 {
+    QFETCH(QString, suffix);
     const QString a = pageDoc(QStringLiteral("append-a.docx"), textPages({"first alpha", "first bravo"}));
-    const QString b = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString b = pageDoc(QStringLiteral("append-b.") + suffix, textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString c = pageDoc(QStringLiteral("append-c.") + suffix, textPages({"third alpha"}));
     const QString target = m_dir.filePath(QStringLiteral("append-target.docx"));
     QFile::remove(target);
     QVERIFY(QFile::copy(a, target));
@@ -601,10 +613,14 @@ void tst_ZylServer::appendDocument()
     LONG pages = 0;
     QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
     QCOMPARE(pages, 5);
+    // A second append starts from what the first one left behind.
+    QCOMPARE(A::appendDocument(doc.get(), c), S_OK);
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 6);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
     const QStringList texts = ZylTestDocuments::pageTexts(target);
-    QCOMPARE(texts, QStringList({"first alpha", "first bravo", "second alpha", "second bravo", "second charlie"}));
+    QCOMPARE(texts, QStringList({"first alpha", "first bravo", "second alpha", "second bravo", "second charlie", "third alpha"}));
 }
 
 void tst_ZylServer::appendAfterCutThroughTable()
