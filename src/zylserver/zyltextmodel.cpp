@@ -660,5 +660,43 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
         if (end.is())
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
+    joinEmptyInsertionParagraph(before, point);
     return S_OK;
+}
+
+void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)
+{
+    // Some formats start their content in a paragraph of their own and leave the empty one the
+    // insertion was made into ahead of it. Its break would start a page of its own when the
+    // content begins with a page break too, so the content's first paragraph takes its place.
+    const int index = elementAt(before, point);
+    if (index < 0 || before.elements[size_t(index)].isTable || before.elements[size_t(index)].length != 0)
+        return;
+    const Layout now = layout();
+    if (size_t(index) + 1 >= now.elements.size())
+        return;
+    const Element &empty = now.elements[size_t(index)];
+    const Element &first = now.elements[size_t(index) + 1];
+    if (empty.isTable || empty.length != 0 || first.isTable)
+        return;
+    uno::Reference<beans::XPropertySet> emptyProps(empty.content, uno::UNO_QUERY);
+    uno::Reference<beans::XPropertySet> firstProps(first.content, uno::UNO_QUERY);
+    uno::Reference<lang::XComponent> component(empty.content, uno::UNO_QUERY);
+    if (!emptyProps.is() || !firstProps.is() || !component.is())
+        return;
+    rtl::OUString emptyDesc, firstDesc;
+    style::BreakType emptyBreak = style::BreakType_NONE, firstBreak = style::BreakType_NONE;
+    emptyProps->getPropertyValue(ou("PageDescName")) >>= emptyDesc;
+    emptyProps->getPropertyValue(ou("BreakType")) >>= emptyBreak;
+    firstProps->getPropertyValue(ou("PageDescName")) >>= firstDesc;
+    firstProps->getPropertyValue(ou("BreakType")) >>= firstBreak;
+    component->dispose();
+    if (layout().elements.size() != now.elements.size() - 1) {
+        qCWarning(lcZylServer) << "the empty paragraph before inserted content stays";
+        return;
+    }
+    if (firstDesc.isEmpty() && !emptyDesc.isEmpty())
+        firstProps->setPropertyValue(ou("PageDescName"), uno::Any(emptyDesc));
+    else if (firstDesc.isEmpty() && firstBreak == style::BreakType_NONE && emptyBreak != style::BreakType_NONE)
+        firstProps->setPropertyValue(ou("BreakType"), uno::Any(emptyBreak));
 }

@@ -78,6 +78,8 @@ private:
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
+    void joinEmptyInsertionParagraph(const Layout &before, int point);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point
     // lies in it; true when it did.
     bool revealHiddenEnd(const Layout &l, int point);
