@@ -1,8 +1,10 @@
 #include "zyldocument.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <unistd.h>
+#include <vector>
 
 #include <QDir>
 #include <QFile>
@@ -13,10 +15,13 @@
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
+#include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/document/XUndoManager.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/text/XDocumentIndexesSupplier.hpp>
+#include <com/sun/star/text/XTextSection.hpp>
 #include <com/sun/star/text/XTextSectionsSupplier.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 
@@ -273,6 +278,26 @@ int ZylDocument::protection()
     if (redlineKey.getLength() > 0)
         return AllowOnlyRevisions;
 
+    // Tables of contents, bibliographies and other indexes are sections kept read-only so that
+    // only regenerating them changes them; they leave the document itself editable.
+    std::vector<rtl::OUString> indexNames;
+    uno::Reference<text::XDocumentIndexesSupplier> indexesSupplier(m_document, uno::UNO_QUERY);
+    if (indexesSupplier.is()) {
+        uno::Reference<container::XIndexAccess> indexes = indexesSupplier->getDocumentIndexes();
+        for (sal_Int32 i = 0; indexes.is() && i < indexes->getCount(); ++i) {
+            uno::Reference<container::XNamed> named(indexes->getByIndex(i), uno::UNO_QUERY);
+            if (named.is())
+                indexNames.push_back(named->getName());
+        }
+    }
+    auto isIndex = [&indexNames](const uno::Reference<text::XTextSection> &section) {
+        for (uno::Reference<text::XTextSection> s = section; s.is(); s = s->getParentSection()) {
+            uno::Reference<container::XNamed> named(s, uno::UNO_QUERY);
+            if (named.is() && std::find(indexNames.begin(), indexNames.end(), named->getName()) != indexNames.end())
+                return true;
+        }
+        return false;
+    };
     uno::Reference<text::XTextSectionsSupplier> sectionsSupplier(m_document, uno::UNO_QUERY);
     if (sectionsSupplier.is()) {
         uno::Reference<container::XIndexAccess> sections(sectionsSupplier->getTextSections(), uno::UNO_QUERY);
@@ -281,7 +306,7 @@ int ZylDocument::protection()
             bool isProtected = false;
             if (section.is())
                 section->getPropertyValue(ou("IsProtected")) >>= isProtected;
-            if (isProtected)
+            if (isProtected && !isIndex(uno::Reference<text::XTextSection>(section, uno::UNO_QUERY)))
                 return AllowOnlyFormFields;
         }
     }

@@ -302,6 +302,10 @@ void tst_ZylServer::corpus()
         }
     } else {
         QCOMPARE(opened, S_OK);
+        // A document that can be merged must not look protected, or nothing takes it.
+        LONG protection = 0;
+        QCOMPARE(A::getInt(doc.get(), QStringLiteral("ProtectionType"), &protection), S_OK);
+        QCOMPARE(protection, LONG(-1));
         LONG pages = 0;
         QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
         QCOMPARE(QString::number(pages), expected);
