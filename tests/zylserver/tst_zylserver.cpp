@@ -95,6 +95,8 @@ private slots:
     void deletePagesKeepsOthers();
     void deleteThroughSplitTable_data();
     void deleteThroughSplitTable();
+    void sectionProtection_data();
+    void sectionProtection();
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
@@ -591,6 +593,57 @@ void tst_ZylServer::deleteThroughSplitTable()
     // Heading rows stay on every page the table still runs over.
     if (pages.first().kind == Page::HeadedTable && !keptRows.isEmpty())
         QVERIFY(text.contains(QStringLiteral("heading")));
+}
+
+void tst_ZylServer::sectionProtection_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<LONG>("expected");
+    QTest::newRow("protected_section")
+        << QStringLiteral("<text:p>open</text:p><text:section text:name=\"Locked\" text:protected=\"true\"><text:p>locked</text:p></text:section>")
+        << LONG(2);
+    QTest::newRow("unprotected_section")
+        << QStringLiteral("<text:p>open</text:p><text:section text:name=\"Free\"><text:p>free</text:p></text:section>")
+        << LONG(-1);
+    QTest::newRow("table_of_contents")
+        << QStringLiteral("<text:table-of-content text:name=\"Contents1\" text:protected=\"true\">"
+                          "<text:table-of-content-source text:outline-level=\"10\"><text:index-title-template>Contents</text:index-title-template></text:table-of-content-source>"
+                          "<text:index-body><text:index-title text:name=\"Contents1_Head\"><text:p>Contents</text:p></text:index-title><text:p>Chapter</text:p></text:index-body>"
+                          "</text:table-of-content><text:h text:outline-level=\"1\">Chapter</text:h>")
+        << LONG(-1);
+    QTest::newRow("protected_section_after_contents")
+        << QStringLiteral("<text:table-of-content text:name=\"Contents1\" text:protected=\"true\">"
+                          "<text:table-of-content-source text:outline-level=\"10\"><text:index-title-template>Contents</text:index-title-template></text:table-of-content-source>"
+                          "<text:index-body><text:p>Chapter</text:p></text:index-body>"
+                          "</text:table-of-content><text:h text:outline-level=\"1\">Chapter</text:h>"
+                          "<text:section text:name=\"Locked\" text:protected=\"true\"><text:p>locked</text:p></text:section>")
+        << LONG(2);
+}
+
+void tst_ZylServer::sectionProtection()
+{
+    QFETCH(QString, body);
+    QFETCH(LONG, expected);
+    const QString flat = m_dir.filePath(QStringLiteral("sections-%1.fodt").arg(QString::fromLatin1(QTest::currentDataTag())));
+    const QString path = m_dir.filePath(QStringLiteral("sections-%1.zyl").arg(QString::fromLatin1(QTest::currentDataTag())));
+    QFile::remove(path);
+    QFile file(flat);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                              "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+                              "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" "
+                              "office:version=\"1.3\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
+                              "<office:body><office:text>%1</office:text></office:body></office:document>\n")
+                   .arg(body).toUtf8());
+    file.close();
+    QString error;
+    QVERIFY2(ZylTestDocuments::convert(flat, path, &error), qPrintable(error));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG protection = 0;
+    QCOMPARE(A::getInt(doc.get(), QStringLiteral("ProtectionType"), &protection), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(protection, expected);
 }
 
 void tst_ZylServer::appendDocument_data()
