@@ -11,47 +11,6 @@ ZylDispatch::ZylDispatch(const std::vector<Member> &members)
 
 ZylDispatch::~ZylDispatch() = default;
 
-HRESULT ZylDispatch::QueryInterface(REFIID riid, void **ppvObject)
-{
-    if (!ppvObject)
-        return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IDispatch) {
-        *ppvObject = static_cast<IDispatch *>(this);
-        AddRef();
-        return S_OK;
-    }
-    *ppvObject = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG ZylDispatch::AddRef()
-{
-    return ++m_refs;
-}
-
-ULONG ZylDispatch::Release()
-{
-    const ULONG left = --m_refs;
-    if (left == 0)
-        delete this;
-    return left;
-}
-
-HRESULT ZylDispatch::GetTypeInfoCount(UINT *pctinfo)
-{
-    if (!pctinfo)
-        return E_POINTER;
-    *pctinfo = 0;
-    return S_OK;
-}
-
-HRESULT ZylDispatch::GetTypeInfo(UINT, LCID, ITypeInfo **ppTInfo)
-{
-    if (ppTInfo)
-        *ppTInfo = nullptr;
-    return E_NOTIMPL;
-}
-
 HRESULT ZylDispatch::GetIDsOfNames(REFIID, LPOLESTR *rgszNames, UINT cNames, LCID, DISPID *rgDispId)
 {
     if (!rgszNames || !rgDispId || cNames == 0)

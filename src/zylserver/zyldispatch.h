@@ -2,14 +2,14 @@
 // checked for count and type before a member runs, and nothing thrown out of Invoke.
 #pragma once
 
-#include <atomic>
 #include <vector>
 
 #include <QString>
 
 #include <vcomrt/com.h>
+#include <vcomrt/dispatchbase.h>
 
-class ZylDispatch : public IDispatch {
+class ZylDispatch : public DispatchBase {
 public:
     struct Member {
         const char *name;
@@ -20,11 +20,6 @@ public:
     // Arguments in natural (left-to-right) order.
     using Args = std::vector<const VARIANT *>;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT *pctinfo) override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT iTInfo, LCID lcid, ITypeInfo **ppTInfo) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR *rgszNames, UINT cNames, LCID lcid,
                                             DISPID *rgDispId) override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags,
@@ -49,5 +44,4 @@ protected:
 
 private:
     const std::vector<Member> &m_members;
-    std::atomic<ULONG> m_refs{1};
 };

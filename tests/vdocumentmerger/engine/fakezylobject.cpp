@@ -120,46 +120,6 @@ FakeZylObject::~FakeZylObject()
     FakeZylState::instance().liveObjects.fetch_sub(1);
 }
 
-HRESULT FakeZylObject::QueryInterface(REFIID riid, void **ppvObject)
-{
-    if (!ppvObject)
-        return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IDispatch) {
-        AddRef();
-        *ppvObject = static_cast<IDispatch *>(this);
-        return S_OK;
-    }
-    *ppvObject = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG FakeZylObject::AddRef()
-{
-    return ++m_refs;
-}
-
-ULONG FakeZylObject::Release()
-{
-    const ULONG left = --m_refs;
-    if (left == 0)
-        delete this;
-    return left;
-}
-
-HRESULT FakeZylObject::GetTypeInfoCount(UINT *pctinfo)
-{
-    if (pctinfo)
-        *pctinfo = 0;
-    return S_OK;
-}
-
-HRESULT FakeZylObject::GetTypeInfo(UINT, LCID, ITypeInfo **ppTInfo)
-{
-    if (ppTInfo)
-        *ppTInfo = nullptr;
-    return E_NOTIMPL;
-}
-
 HRESULT FakeZylObject::GetIDsOfNames(REFIID, LPOLESTR *rgszNames, UINT cNames, LCID, DISPID *rgDispId)
 {
     FakeZylState &state = FakeZylState::instance();

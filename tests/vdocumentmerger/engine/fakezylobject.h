@@ -2,15 +2,15 @@
 
 #include <QString>
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
 #include <vcomrt/com.h>
+#include <vcomrt/dispatchbase.h>
 
 // One automation object of the test double: the application, its documents collection, a
 // document or a range. Documents and ranges share their document's text.
-class FakeZylObject : public IDispatch {
+class FakeZylObject : public DispatchBase {
 public:
     enum class Kind { Application, Documents, Document, Range };
 
@@ -28,11 +28,6 @@ public:
 
     static FakeZylObject *createApplication();
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT *pctinfo) override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT iTInfo, LCID lcid, ITypeInfo **ppTInfo) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR *rgszNames, UINT cNames, LCID lcid,
                                             DISPID *rgDispId) override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags,
@@ -52,7 +47,6 @@ private:
     HRESULT returnObject(FakeZylObject *object, VARIANT *result);
     void snapshot();
 
-    std::atomic<ULONG> m_refs{1};
     Kind m_kind;
     std::shared_ptr<Session> m_session;
     std::shared_ptr<Model> m_model;
