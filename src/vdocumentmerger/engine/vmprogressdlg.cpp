@@ -1,5 +1,6 @@
 #include "engine/vmprogressdlg.h"
 
+#include <QLabel>
 #include <QVBoxLayout>
 
 #include "engine/progress.h"
@@ -59,6 +60,11 @@ void VMProgressDlg::showEvent(QShowEvent *event)
 void VMProgressDlg::initProgressBar()
 {
     auto *content = new QWidget(this);
+    // The custom content takes the place of the dialog's own text line: repeat it, under the
+    // object name the dialog's theme styles.
+    auto *text = new QLabel(this->content(), content);
+    text->setObjectName(QStringLiteral("vlite_dlg_content"));
+    text->setWordWrap(true);
     m_progress = new Progress(content);
     m_progress->setFixedSize(VLiteStyle::dpiScaledSize(372, 8));
     m_progress->setMaximum(100);
@@ -68,6 +74,7 @@ void VMProgressDlg::initProgressBar()
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(text);
     layout->addSpacing(16);
     layout->addWidget(m_progress);
 

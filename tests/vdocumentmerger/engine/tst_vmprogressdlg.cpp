@@ -1,3 +1,4 @@
+#include <QLabel>
 #include <QPointer>
 #include <QtTest>
 
@@ -89,6 +90,10 @@ void tst_VMProgressDlg::content()
     QVERIFY(dialog->isModal());
     QCOMPARE(dialog->title(), QStringLiteral("Merging"));
     QCOMPARE(dialog->content(), text);
+    bool textShown = false;
+    for (const QLabel *label : dialog->findChildren<QLabel *>())
+        textShown = textShown || (label->isVisible() && label->text() == text);
+    QVERIFY(textShown);
     QVERIFY(!dialog->isButtonVisible(VLiteContentDlg::BtnConfirm));
     QVERIFY(dialog->showTime() >= before);
     QCOMPARE(popupActions(), QStringList{QStringLiteral("show")});
