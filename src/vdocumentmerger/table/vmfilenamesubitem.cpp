@@ -21,6 +21,8 @@ VMFileNameSubItem::VMFileNameSubItem(QWidget *parent)
 
     m_nameLabel = new VMElidedTextLabel(this);
     m_nameLabel->setElideMode(Qt::ElideMiddle);
+    // Right-to-left names too start at the column's left edge, under the header label.
+    m_nameLabel->setAlignment(Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter);
     m_nameLabel->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_nameLabel->setMaximumWidth(int(VLiteStyle::dpiScaled(294)));
     m_nameLabel->setFixedHeight(int(VLiteStyle::dpiScaled(22)));

@@ -9,7 +9,10 @@ VMPagesSubItem::VMPagesSubItem(QWidget *parent)
     : QWidget(parent)
 {
     setAttribute(Qt::WA_StyledBackground);
-    setFixedWidth(int(VLiteStyle::dpiScaled(68)));
+    // The column's width, unless "read fail" and the reload button need more (wide fonts,
+    // longer translations): then the row gives it the room rather than clip the text.
+    setMinimumWidth(int(VLiteStyle::dpiScaled(68)));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     m_stack = new QStackedLayout(this);
     m_stack->setContentsMargins(0, 0, 0, 0);
     m_stack->setSpacing(0);
