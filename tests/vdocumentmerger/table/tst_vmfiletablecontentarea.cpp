@@ -21,6 +21,8 @@ private slots:
     void dragMoveShowsIndicatorOnlyForOwnRows_data();
     void dragMoveShowsIndicatorOnlyForOwnRows();
     void overlayScrollBarFollowsRange();
+    void dragNearEdgesScrolls_data();
+    void dragNearEdgesScrolls();
 
 private:
     static QStringList names(const VMFileTableContentArea &area);
@@ -280,6 +282,48 @@ void tst_VMFileTableContentArea::overlayScrollBarFollowsRange()
     overlay->setValue(overlay->maximum());
     QCOMPARE(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
     QCOMPARE(area.widget()->width(), area.viewport()->width());
+}
+
+void tst_VMFileTableContentArea::dragNearEdgesScrolls_data()
+{
+    QTest::addColumn<int>("startValue");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<int>("direction"); // -1 up, 0 none, 1 down
+
+    // The area shows three and a half rows of ten; half a row is 24 px.
+    QTest::newRow("bottom_edge_scrolls_down") << 0 << 160 << 1;
+    QTest::newRow("top_edge_scrolls_up") << 200 << 10 << -1;
+    QTest::newRow("middle_stays") << 200 << 80 << 0;
+    QTest::newRow("top_edge_at_top_stays") << 0 << 10 << 0;
+}
+
+void tst_VMFileTableContentArea::dragNearEdgesScrolls()
+{
+    QFETCH(int, startValue);
+    QFETCH(int, y);
+    QFETCH(int, direction);
+
+    VMFileTableContentArea area;
+    fill(area, 10);
+    QVERIFY(showArea(area, 3 * RowHeight + RowHeight / 2));
+    QScrollBar *bar = area.verticalScrollBar();
+    QTRY_COMPARE(bar->maximum(), 10 * RowHeight - area.viewport()->height());
+    bar->setValue(startValue);
+
+    QScopedPointer<QMimeData> data(
+        payload(QByteArray::number(quint64(reinterpret_cast<quintptr>(area.itemAt(5))))));
+    // A move reaches the area only after it accepted the drag's entry.
+    QDragEnterEvent enter(QPoint(100, y), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &enter);
+    QDragMoveEvent move(QPoint(100, y), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &move);
+    QVERIFY(area.dropIndicatorIndex() >= 0);
+    if (direction > 0)
+        QVERIFY(bar->value() > startValue);
+    else if (direction < 0)
+        QVERIFY(bar->value() < startValue);
+    else
+        QCOMPARE(bar->value(), startValue);
 }
 
 QTEST_MAIN(tst_VMFileTableContentArea)
