@@ -158,13 +158,11 @@ QWidget *VMFileTableContentArea::rowForPayload(const QMimeData *data) const
     if (!ok || address == 0)
         return nullptr;
     // Compared as numbers: a payload from elsewhere is never turned into a pointer.
-    const QVBoxLayout *layout = m_view->boxLayout();
-    for (int i = 0; i < layout->count(); ++i) {
-        QWidget *widget = layout->itemAt(i)->widget();
-        if (widget && widget != m_dropIndicator && reinterpret_cast<quintptr>(widget) == address)
-            return widget;
-    }
-    return nullptr;
+    const QList<QWidget *> rows = items();
+    const auto found = std::find_if(rows.cbegin(), rows.cend(), [address](const QWidget *row) {
+        return reinterpret_cast<quintptr>(row) == address;
+    });
+    return found != rows.cend() ? *found : nullptr;
 }
 
 int VMFileTableContentArea::dropIndexAt(const QPoint &point) const
@@ -311,13 +309,13 @@ void VMFileTableContentArea::takeDropIndicator()
         return;
     m_dropIndicator->hide();
     m_view->boxLayout()->removeWidget(m_dropIndicator);
-    m_view->adjustSize();
+    scheduleViewAdjust();
 }
 
 void VMFileTableContentArea::scheduleViewAdjust()
 {
     // Once per batch: resizing the view lays out every row, so doing it for each of 100
-    // rows added in one go would take the GUI thread for far too long.
+    // rows added or removed in one go would hold the GUI thread for far too long.
     if (m_viewAdjustPending)
         return;
     m_viewAdjustPending = true;
