@@ -44,7 +44,6 @@ VMTableHeaderNameItem::VMTableHeaderNameItem(QWidget *parent)
     m_invertSelection = new VLiteClickableLabel(tr("Invert Selection"), this);
     m_invertSelection->applyThemeClass(QStringLiteral("VMTableHeaderInvertSelect"));
     m_invertSelection->setUnderlineMode(VLiteClickableLabel::UnderlineOnHover);
-    m_invertSelection->setAccessibleName(m_invertSelection->text());
     layout->addWidget(m_invertSelection);
     layout->addStretch();
 
