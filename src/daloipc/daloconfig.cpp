@@ -46,7 +46,12 @@ QString DaloConfig::socketName()
     const QString fromEnv = fromEnvironment("DALO_DRIVE_SOCKET");
     if (!fromEnv.isEmpty())
         return fromEnv;
-    return privateSocketFolder() + QStringLiteral("/dalodrive.sock");
+    return socketPath(QStringLiteral("dalodrive"));
+}
+
+QString DaloConfig::socketPath(const QString &baseName)
+{
+    return privateSocketFolder() + QLatin1Char('/') + baseName + QStringLiteral(".sock");
 }
 
 void DaloConfig::setSocketName(const QString &name)
@@ -86,5 +91,7 @@ int DaloConfig::replyTimeoutMs()
 
 int DaloConfig::onDemandIdleMs()
 {
-    return kOnDemandIdleMs;
+    bool ok = false;
+    const int fromEnv = qEnvironmentVariableIntValue("DALO_DRIVE_IDLE_MS", &ok);
+    return ok && fromEnv > 0 ? fromEnv : kOnDemandIdleMs;
 }
