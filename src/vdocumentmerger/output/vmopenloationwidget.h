@@ -4,6 +4,7 @@
 
 #include "vdocumentmerger_export.h"
 
+class VMCloudDirWidget;
 class VMCustomDirWidget;
 
 // The page beside the location combo, one per location index: nothing for the first file's
@@ -14,7 +15,9 @@ public:
     explicit VMOpenLoationWidget(QWidget *parent);
 
     VMCustomDirWidget *customPage() const;
+    VMCloudDirWidget *cloudPage() const;
 
 private:
     VMCustomDirWidget *m_customPage = nullptr;
+    VMCloudDirWidget *m_cloudPage = nullptr;
 };
