@@ -24,6 +24,17 @@ VLiteLabel *rowLabel(const QString &text, QWidget *parent)
     return label;
 }
 
+// 48 pixels hold the labels in the languages the layout was drawn for; a longer translation
+// widens both labels alike instead of being cut off, so the two rows stay aligned.
+void fitLabelWidths(VLiteLabel *first, VLiteLabel *second)
+{
+    int width = scaled(48);
+    for (VLiteLabel *label : {first, second})
+        width = qMax(width, label->fontMetrics().horizontalAdvance(label->text()));
+    first->setFixedWidth(width);
+    second->setFixedWidth(width);
+}
+
 QHBoxLayout *rowLayout()
 {
     auto *row = new QHBoxLayout;
@@ -91,6 +102,7 @@ VMOutputOptionWidget::VMOutputOptionWidget(QWidget *parent)
     m_locationStack = new VMOpenLoationWidget(this);
     dirRow->addWidget(m_locationStack);
     layout->addLayout(dirRow);
+    fitLabelWidths(nameLabel, dirLabel);
 
     VMEnv *env = VMEnv::instance();
     env->setOutputName(m_nameEditor->text());
