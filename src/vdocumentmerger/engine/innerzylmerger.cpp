@@ -26,6 +26,9 @@ InnerZylMerger::~InnerZylMerger() = default;
 void InnerZylMerger::run()
 {
     int result = kFailed;
+    const QString output = toForwardSlashes(outputPath());
+    // A file already there is never ours: the merge refuses to start on it.
+    const bool outputTaken = QFile::exists(output);
     const HRESULT apartment = CoInitialize(nullptr);
     if (SUCCEEDED(apartment) && (hasApplication() || SUCCEEDED(createApplication()))) {
         emit initFinished();
@@ -39,6 +42,9 @@ void InnerZylMerger::run()
     if (SUCCEEDED(apartment))
         CoUninitialize();
 
+    // A failed or cancelled run leaves nothing half-written at the output path.
+    if ((result != 0 || isCanceled()) && !outputTaken)
+        QFile::remove(output);
     if (!isCanceled())
         emit finished(result);
     finishRun();
@@ -96,6 +102,8 @@ int InnerZylMerger::mergeInto(const QString &output, const QString &work)
         emit subProgress(i + 1, 100);
     }
 
+    if (isCanceled())
+        return kFailed;
     hr = convertFormat()
         ? saveDocumentAs(target.get(), output, QFileInfo(output).suffix())
         : saveDocumentAs(target.get(), output);
