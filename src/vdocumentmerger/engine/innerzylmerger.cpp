@@ -42,8 +42,8 @@ void InnerZylMerger::run()
     if (SUCCEEDED(apartment))
         CoUninitialize();
 
-    // A failed or cancelled run leaves nothing half-written at the output path.
-    if ((result != 0 || isCanceled()) && !outputTaken)
+    // A failed run leaves nothing half-written at the output path.
+    if (result != 0 && !outputTaken)
         QFile::remove(output);
     if (!isCanceled())
         emit finished(result);
@@ -102,8 +102,6 @@ int InnerZylMerger::mergeInto(const QString &output, const QString &work)
         emit subProgress(i + 1, 100);
     }
 
-    if (isCanceled())
-        return kFailed;
     hr = convertFormat()
         ? saveDocumentAs(target.get(), output, QFileInfo(output).suffix())
         : saveDocumentAs(target.get(), output);

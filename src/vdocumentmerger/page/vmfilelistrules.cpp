@@ -32,8 +32,9 @@ bool VMFileListRules::isSupported(const QString &path)
 
 const QString &VMFileListRules::fileDialogFilter()
 {
+    // Qt's own file dialog splits patterns at spaces only; with ";" it would list no file.
     static const QString filter = QCoreApplication::translate("general", "supported formats")
-        + QStringLiteral("(*.zyl;*.doc;*.docx)");
+        + QStringLiteral("(*.zyl *.doc *.docx)");
     return filter;
 }
 

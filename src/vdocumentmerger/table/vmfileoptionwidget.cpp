@@ -81,6 +81,7 @@ void VMFileOptionWidget::dropEvent(QDropEvent *event)
     const QMimeData *mime = event->mimeData();
     if (!mime->hasUrls())
         return;
+    event->acceptProposedAction();
     const QList<QUrl> urls = mime->urls();
     QStringList supported;
     for (const QUrl &url : urls) {
