@@ -1,0 +1,402 @@
+#include <QFile>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QtTest>
+#include <QtTest/qtestspontaneevent.h>
+
+#include "fakeappcontainer.h"
+#include "fakemainwindow.h"
+#include "host/liolite.h"
+#include "shell/pluginexports.h"
+#include "table/vmcheckbox.h"
+#include "table/vmelidedtextlabel.h"
+#include "table/vmfifletablecontentitem.h"
+#include "table/vmfilenamesubitem.h"
+#include "table/vmitemloadingwidget.h"
+#include "table/vmoperatesubitem.h"
+#include "table/vmoutputrangesubitem.h"
+#include "table/vmpagessubitem.h"
+#include "table/vmrangeoperatewidget.h"
+
+using Params = QHash<QString, QString>;
+
+namespace {
+
+// What the merge page does with a successful count.
+void applyCount(VMFifleTableContentItem *row, int count)
+{
+    row->setPageCount(count);
+    row->setPageRange(1, count);
+    if (!row->isRangeInitialized()) {
+        row->setRangeFrom(1);
+        row->setRangeTo(count);
+        row->setRangeInitialized(true);
+    }
+    row->setReadSuccess(true);
+}
+
+bool textFits(QSpinBox *spinBox)
+{
+    const QLineEdit *edit = spinBox->findChild<QLineEdit *>();
+    return edit && edit->fontMetrics().horizontalAdvance(spinBox->text()) <= edit->width();
+}
+
+} // namespace
+
+class tst_VMFifleTableContentItem : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void init();
+    void cleanup();
+
+    void newRowIsLoading();
+    void rangeRules_data();
+    void rangeRules();
+    void looks();
+    void names_data();
+    void names();
+    void wheelScrollsListNotSpinBox();
+    void dragStart_data();
+    void dragStart();
+    void openMissingDocument_data();
+    void openMissingDocument();
+
+private:
+    // Answers the next modal dialog once it is up: records its texts, then confirms or presses Esc.
+    void answerNextDialog(bool confirm);
+
+    FakeAppContainer m_app;
+    FakeMainWindow *m_mainWindow = nullptr;
+    QWidget *m_window = nullptr;
+    VMFifleTableContentItem *m_row = nullptr;
+    QTimer *m_answerTimer = nullptr;
+    QString m_dialogTitle;
+    QString m_dialogContent;
+};
+
+void tst_VMFifleTableContentItem::initTestCase()
+{
+    m_mainWindow = new FakeMainWindow(&m_app);
+    QVERIFY(Initialize(&m_app));
+}
+
+void tst_VMFifleTableContentItem::cleanupTestCase()
+{
+    QVERIFY(Destroy());
+    delete m_mainWindow;
+}
+
+void tst_VMFifleTableContentItem::init()
+{
+    m_window = new QWidget;
+    auto *layout = new QVBoxLayout(m_window);
+    m_row = new VMFifleTableContentItem(m_window);
+    layout->addWidget(m_row);
+    m_window->resize(int(VLiteStyle::dpiScaled(900)), m_row->height() + 20);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    m_app.clearEvents();
+}
+
+void tst_VMFifleTableContentItem::cleanup()
+{
+    delete m_window;
+    delete m_answerTimer;
+    m_answerTimer = nullptr;
+    m_dialogTitle.clear();
+    m_dialogContent.clear();
+}
+
+void tst_VMFifleTableContentItem::answerNextDialog(bool confirm)
+{
+    m_answerTimer = new QTimer;
+    connect(m_answerTimer, &QTimer::timeout, this, [this, confirm] {
+        auto *dialog = qobject_cast<VLiteContentDlg *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        m_answerTimer->stop();
+        m_dialogTitle = dialog->title();
+        m_dialogContent = dialog->content();
+        if (confirm)
+            dialog->button(VLiteContentDlg::BtnConfirm)->click();
+        else
+            QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    m_answerTimer->start(10);
+}
+
+void tst_VMFifleTableContentItem::newRowIsLoading()
+{
+    QCOMPARE(m_row->pagesSubItem()->countLabel()->text(), QStringLiteral("-"));
+    QCOMPARE(m_row->pageCount(), 0);
+    QCOMPARE(m_row->rangeFrom(), 1);
+    QCOMPARE(m_row->rangeTo(), 1);
+    QVERIFY(m_row->isLoading());
+    QVERIFY(!m_row->isReadSuccess());
+    QVERIFY(!m_row->isRangeInitialized());
+}
+
+void tst_VMFifleTableContentItem::rangeRules_data()
+{
+    QTest::addColumn<QList<int>>("counts");
+    QTest::addColumn<int>("userFrom");
+    QTest::addColumn<int>("userTo");
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+
+    // The user's range is entered after the first count; 0 leaves the filled-in one.
+    QTest::newRow("first_count_fills_range") << QList<int>{12} << 0 << 0 << 12 << 1 << 12;
+    QTest::newRow("reload_12_then_4_keeps_3_to_4") << QList<int>{12, 4} << 3 << 5 << 4 << 3 << 4;
+    QTest::newRow("reload_widens_keeps_values") << QList<int>{4, 12} << 2 << 3 << 12 << 2 << 3;
+    QTest::newRow("reload_does_not_refill") << QList<int>{4, 12} << 0 << 0 << 12 << 1 << 4;
+    QTest::newRow("count_0_gives_1_to_1") << QList<int>{0} << 0 << 0 << 1 << 1 << 1;
+    QTest::newRow("count_1") << QList<int>{1} << 0 << 0 << 1 << 1 << 1;
+    QTest::newRow("several_thousand") << QList<int>{4321} << 0 << 0 << 4321 << 1 << 4321;
+    QTest::newRow("first_greater_than_last_kept") << QList<int>{12, 9} << 7 << 2 << 9 << 7 << 2;
+    QTest::newRow("entry_beyond_count_clamped") << QList<int>{12} << 20 << 30 << 12 << 12 << 12;
+    QTest::newRow("five_digits_shown_whole") << QList<int>{99999} << 88888 << 99999 << 99999 << 88888 << 99999;
+}
+
+void tst_VMFifleTableContentItem::rangeRules()
+{
+    QFETCH(QList<int>, counts);
+    QFETCH(int, userFrom);
+    QFETCH(int, userTo);
+    QFETCH(int, max);
+    QFETCH(int, from);
+    QFETCH(int, to);
+
+    for (int i = 0; i < counts.size(); ++i) {
+        if (i == 1)
+            m_row->startLoading();
+        applyCount(m_row, counts.at(i));
+        if (i == 0 && userFrom) {
+            m_row->setRangeFrom(userFrom);
+            m_row->setRangeTo(userTo);
+        }
+    }
+    QSpinBox *first = m_row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
+    QSpinBox *last = m_row->outputRangeSubItem()->rangeWidget()->toSpinBox();
+    QCOMPARE(m_row->pageCount(), counts.last());
+    QCOMPARE(first->minimum(), 1);
+    QCOMPARE(first->maximum(), max);
+    QCOMPARE(last->maximum(), max);
+    QCOMPARE(m_row->rangeFrom(), from);
+    QCOMPARE(m_row->rangeTo(), to);
+
+    // Nothing clipped: both values and the count are shown whole.
+    QVERIFY(first->isVisible());
+    QVERIFY(textFits(first));
+    QVERIFY(textFits(last));
+    const VLiteLabel *count = m_row->pagesSubItem()->countLabel();
+    QVERIFY(count->fontMetrics().horizontalAdvance(count->text()) <= count->width());
+}
+
+void tst_VMFifleTableContentItem::looks()
+{
+    VMPagesSubItem *pages = m_row->pagesSubItem();
+    VMOutputRangeSubItem *range = m_row->outputRangeSubItem();
+    VMElidedTextLabel *name = m_row->fileNameSubItem()->nameLabel();
+    QSignalSpy reload(m_row, &VMFifleTableContentItem::sigReload);
+    QVERIFY(reload.isValid());
+
+    // Loading.
+    QCOMPARE(pages->currentIndex(), 0);
+    QCOMPARE(range->currentIndex(), 0);
+    QVERIFY(name->isEnabled());
+    QVERIFY(m_row->isLoading());
+
+    // Read failed: still dots, greyed name, the reasons on "read fail".
+    m_row->setReadSuccess(false);
+    QCOMPARE(pages->currentIndex(), 1);
+    QCOMPARE(range->currentIndex(), 0);
+    QVERIFY(range->loadingWidget()->isVisible());
+    QVERIFY(!m_row->isLoading());
+    QCOMPARE(range->loadingWidget()->litDot(), -1);
+    QVERIFY(!name->isEnabled());
+    QCOMPARE(pages->readFailLabel()->toolTip().split('\n').size(), 4);
+    QVERIFY(pages->readFailLabel()->fontMetrics().horizontalAdvance(pages->readFailLabel()->text())
+            <= pages->readFailLabel()->width());
+    QVERIFY(pages->reloadButton()->isVisible());
+
+    // Reload: the spinner runs where it stands, "read fail" stays until the result.
+    QTest::mouseClick(pages->reloadButton(), Qt::LeftButton);
+    QCOMPARE(reload.count(), 1);
+    m_row->startLoading();
+    QVERIFY(m_row->isLoading());
+    QCOMPARE(pages->currentIndex(), 1);
+
+    // Counted.
+    applyCount(m_row, 7);
+    QCOMPARE(pages->currentIndex(), 0);
+    QCOMPARE(pages->countLabel()->text(), QStringLiteral("7"));
+    QCOMPARE(range->currentIndex(), 1);
+    QVERIFY(!m_row->isLoading());
+    QVERIFY(name->isEnabled());
+    QVERIFY(m_row->isReadSuccess());
+
+    // A later failure keeps the range the user had.
+    m_row->setReadSuccess(false);
+    QCOMPARE(range->currentIndex(), 0);
+    QCOMPARE(m_row->rangeTo(), 7);
+    QCOMPARE(reload.count(), 1);
+}
+
+void tst_VMFifleTableContentItem::names_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::newRow("needs_escaping") << QStringLiteral("a&b <c> 'd' \"e\" %20 #1;$(x).docx");
+    QTest::newRow("very_long") << QString(QStringLiteral("annual report ").repeated(20) + QStringLiteral("final.docx"));
+    QTest::newRow("arabic") << QStringLiteral("تقرير المبيعات الربع السنوي للمنطقة الشمالية النسخة النهائية المعتمدة.docx");
+    QTest::newRow("chinese") << QStringLiteral("二零二六年第三季度北方地区销售报告最终版本修订稿第二次修改后的定稿.doc");
+}
+
+void tst_VMFifleTableContentItem::names()
+{
+    QFETCH(QString, fileName);
+    const QString path = QStringLiteral("/tmp/some folder/") + fileName;
+    m_row->setFilePath(path);
+    VMElidedTextLabel *name = m_row->fileNameSubItem()->nameLabel();
+
+    QCOMPARE(m_row->filePath(), path);
+    QCOMPARE(name->toolTip(), path);
+    QCOMPARE(name->fullText(), fileName);
+    QCOMPARE(m_row->fileNameSubItem()->checkBox()->accessibleName(), fileName);
+    QTRY_VERIFY(name->fontMetrics().horizontalAdvance(name->text()) <= name->width());
+    if (name->textWidth() > name->width())
+        QVERIFY(name->text().contains(QChar(0x2026)));
+}
+
+void tst_VMFifleTableContentItem::wheelScrollsListNotSpinBox()
+{
+    QScrollArea area;
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    auto *row = new VMFifleTableContentItem(content);
+    layout->addWidget(row);
+    layout->addSpacing(2000);
+    area.setWidget(content);
+    area.setWidgetResizable(true);
+    area.resize(int(VLiteStyle::dpiScaled(900)), 300);
+    area.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&area));
+    applyCount(row, 12);
+    row->setRangeFrom(5);
+
+    QSpinBox *first = row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
+    const QPoint centre = first->rect().center();
+    QWheelEvent wheel(centre, first->mapToGlobal(centre), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    // As the window system delivers it (sendEvent() would make it non-spontaneous, which is
+    // never handed on to the parents).
+    QSpontaneKeyEvent::setSpontaneous(&wheel);
+    QCOMPARE(area.verticalScrollBar()->value(), 0);
+    qApp->notify(first, &wheel);
+    QCOMPARE(row->rangeFrom(), 5);
+    QVERIFY(area.verticalScrollBar()->value() > 0);
+}
+
+void tst_VMFifleTableContentItem::dragStart_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<int>("buttons");
+    QTest::addColumn<int>("drags");
+
+    const int left = Qt::LeftButton;
+    const int right = Qt::RightButton;
+    for (const QString target : {"handle", "row", "name"}) {
+        QTest::addRow("%s_left", qPrintable(target)) << target << left << 1;
+        QTest::addRow("%s_right", qPrintable(target)) << target << right << 0;
+        QTest::addRow("%s_left_and_right", qPrintable(target)) << target << (left | right) << 0;
+        QTest::addRow("%s_no_button", qPrintable(target)) << target << 0 << 0;
+    }
+}
+
+void tst_VMFifleTableContentItem::dragStart()
+{
+    QFETCH(QString, target);
+    QFETCH(int, buttons);
+    QFETCH(int, drags);
+    m_row->setFilePath(QStringLiteral("/tmp/a.docx"));
+    QWidget *receiver = target == "handle" ? static_cast<QWidget *>(m_row->operateSubItem()->dragButton())
+                        : target == "row"  ? static_cast<QWidget *>(m_row)
+                                           : m_row->fileNameSubItem()->nameLabel();
+    QSignalSpy spy(m_row, &VMFifleTableContentItem::sigStartDrag);
+    QVERIFY(spy.isValid());
+    QMouseEvent move(QEvent::MouseMove, QPointF(3, 3), receiver->mapToGlobal(QPoint(3, 3)), Qt::NoButton,
+                     Qt::MouseButtons(buttons), Qt::NoModifier);
+    QApplication::sendEvent(receiver, &move);
+    QCOMPARE(spy.count(), drags);
+}
+
+void tst_VMFifleTableContentItem::openMissingDocument_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("confirm");
+    QTest::addColumn<QString>("closedAs");
+
+    // "vanished" stands for a file that existed when the row was made.
+    QTest::newRow("vanished_open_file_confirm") << "file" << "vanished" << true << "click_well";
+    QTest::newRow("vanished_open_folder_escape") << "folder" << "vanished" << false << "click_close";
+    QTest::newRow("path_needing_escapes_open_folder")
+        << "folder" << "/tmp/no such \"dir\"/it's a&b; $(x) %20.docx" << true << "click_well";
+    QTest::newRow("path_needing_escapes_open_file") << "file" << "/tmp/no such dir/`rm -rf`|x.doc" << false
+                                                    << "click_close";
+    QTest::newRow("empty_path_open_file") << "file" << "" << true << "";
+    QTest::newRow("empty_path_open_folder") << "folder" << "" << true << "";
+}
+
+void tst_VMFifleTableContentItem::openMissingDocument()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, path);
+    QFETCH(bool, confirm);
+    QFETCH(QString, closedAs);
+
+    QTemporaryDir dir;
+    if (path == "vanished") {
+        path = dir.filePath(QStringLiteral("report.docx"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        m_row->setFilePath(path);
+        QVERIFY(QFile::remove(path));
+    } else {
+        m_row->setFilePath(path);
+    }
+
+    answerNextDialog(confirm);
+    VLiteButton *button =
+        kind == "file" ? m_row->operateSubItem()->openFileButton() : m_row->operateSubItem()->openDirButton();
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    QList<FakeAppContainer::Event> expected{{"vas_wordmerge_click", Params{{"type", kind}}}};
+    if (!closedAs.isEmpty()) {
+        QCOMPARE(m_dialogTitle, QStringLiteral("Tips"));
+        QCOMPARE(m_dialogContent, QStringLiteral("The document does not exist. It may be removed or renamed"));
+        expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", "show"}}});
+        expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", closedAs}}});
+    } else {
+        QVERIFY(m_dialogContent.isEmpty());
+    }
+    QCOMPARE(m_app.events().size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(m_app.events().at(i).name, expected.at(i).name);
+        QCOMPARE(m_app.events().at(i).params, expected.at(i).params);
+    }
+    QCOMPARE(m_row->filePath(), path);
+}
+
+QTEST_MAIN(tst_VMFifleTableContentItem)
+#include "tst_vmfifletablecontentitem.moc"

@@ -1,0 +1,286 @@
+#include <QMimeData>
+#include <QPointer>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "table/vmfiletablecontentarea.h"
+#include "table/vmfiletablereorder.h"
+
+// Rows here are plain widgets named R1, R2, ...: the area lays out and moves any widget.
+class tst_VMFileTableContentArea : public QObject {
+    Q_OBJECT
+
+private slots:
+    void dropIndex_data();
+    void dropIndex();
+    void dropAndMove_data();
+    void dropAndMove();
+    void countAndItemAtSkipIndicator();
+    void removeItem();
+    void dragMoveShowsIndicatorOnlyForOwnRows_data();
+    void dragMoveShowsIndicatorOnlyForOwnRows();
+    void overlayScrollBarFollowsRange();
+
+private:
+    static QStringList names(const VMFileTableContentArea &area);
+};
+
+namespace {
+
+constexpr int RowHeight = 48;
+
+QWidget *addRow(VMFileTableContentArea &area, const QString &name)
+{
+    auto *row = new QWidget;
+    row->setObjectName(name);
+    row->setFixedHeight(RowHeight);
+    area.addItem(row);
+    return row;
+}
+
+void fill(VMFileTableContentArea &area, int rows)
+{
+    for (int i = 1; i <= rows; ++i)
+        addRow(area, QStringLiteral("R%1").arg(i));
+}
+
+bool showArea(VMFileTableContentArea &area, int height = 400)
+{
+    area.resize(600, height);
+    area.show();
+    return QTest::qWaitForWindowExposed(&area);
+}
+
+QMimeData *payload(const QByteArray &bytes)
+{
+    auto *data = new QMimeData;
+    data->setData(QLatin1String(VMFileTableContentArea::ItemMimeType), bytes);
+    return data;
+}
+
+} // namespace
+
+QStringList tst_VMFileTableContentArea::names(const VMFileTableContentArea &area)
+{
+    QStringList result;
+    for (int i = 0; i < area.itemCount(); ++i)
+        result << area.itemAt(i)->objectName();
+    return result;
+}
+
+void tst_VMFileTableContentArea::dropIndex_data()
+{
+    QTest::addColumn<int>("indicatorRow"); // -1: no indicator
+    QTest::addColumn<int>("y");            // in the view, rows are 48 high
+    QTest::addColumn<int>("expected");
+
+    QTest::newRow("top_of_first") << -1 << 0 << 0;
+    QTest::newRow("lower_half_of_first") << -1 << 40 << 0;
+    QTest::newRow("lower_half_of_middle") << -1 << 90 << 1;
+    QTest::newRow("upper_half_of_last") << -1 << 100 << 2;
+    QTest::newRow("lower_half_of_last") << -1 << 140 << 3;
+    QTest::newRow("below_all_rows") << -1 << 400 << 2;
+    // With the 5 px indicator before row 1, rows 1 and 2 sit 5 px lower.
+    QTest::newRow("indicator_before_middle_pointer_on_last") << 1 << 110 << 2;
+    QTest::newRow("indicator_before_middle_pointer_on_first") << 1 << 10 << 0;
+    QTest::newRow("indicator_at_end_pointer_below_all") << 3 << 400 << 3;
+    QTest::newRow("indicator_at_end_lower_half_of_last") << 3 << 140 << 3;
+}
+
+void tst_VMFileTableContentArea::dropIndex()
+{
+    QFETCH(int, indicatorRow);
+    QFETCH(int, y);
+    QFETCH(int, expected);
+
+    // Once through the plain arithmetic, once through the laid-out area.
+    QVector<VMFileTableReorder::Entry> entries;
+    int top = 0;
+    for (int i = 0; i <= 3; ++i) {
+        if (i == indicatorRow) {
+            entries.append({QRect(0, top, 600, 5), true});
+            top += 5;
+        }
+        if (i < 3) {
+            entries.append({QRect(0, top, 600, RowHeight), true});
+            top += RowHeight;
+        }
+    }
+    QCOMPARE(VMFileTableReorder::dropIndex(entries, indicatorRow, y), expected);
+
+    VMFileTableContentArea area;
+    fill(area, 3);
+    QVERIFY(showArea(area));
+    if (indicatorRow >= 0)
+        area.moveDropIndicator(indicatorRow);
+    QTRY_COMPARE(area.widget()->height(), 3 * RowHeight + (indicatorRow >= 0 ? 5 : 0));
+    QCOMPARE(area.dropIndexAt(QPoint(100, y)), expected);
+}
+
+void tst_VMFileTableContentArea::dropAndMove_data()
+{
+    QTest::addColumn<int>("dragged"); // row index
+    QTest::addColumn<int>("dropAt");  // row index of the indicator, -1: never shown
+    QTest::addColumn<QStringList>("order");
+    QTest::addColumn<int>("orderSignals");
+
+    const QStringList unchanged{"R1", "R2", "R3", "R4"};
+    QTest::newRow("first_to_end") << 0 << 4 << QStringList{"R2", "R3", "R4", "R1"} << 1;
+    QTest::newRow("first_to_middle") << 0 << 2 << QStringList{"R2", "R1", "R3", "R4"} << 1;
+    QTest::newRow("middle_to_top") << 2 << 0 << QStringList{"R3", "R1", "R2", "R4"} << 1;
+    QTest::newRow("middle_to_end") << 1 << 4 << QStringList{"R1", "R3", "R4", "R2"} << 1;
+    QTest::newRow("last_to_top") << 3 << 0 << QStringList{"R4", "R1", "R2", "R3"} << 1;
+    QTest::newRow("last_to_middle") << 3 << 1 << QStringList{"R1", "R4", "R2", "R3"} << 1;
+    QTest::newRow("middle_right_below_itself") << 1 << 2 << unchanged << 1;
+    QTest::newRow("last_right_below_itself") << 3 << 4 << unchanged << 1;
+    QTest::newRow("middle_right_above_itself") << 1 << 1 << unchanged << 0;
+    QTest::newRow("first_right_above_itself") << 0 << 0 << unchanged << 0;
+    QTest::newRow("indicator_never_shown") << 1 << -1 << unchanged << 0;
+}
+
+void tst_VMFileTableContentArea::dropAndMove()
+{
+    QFETCH(int, dragged);
+    QFETCH(int, dropAt);
+    QFETCH(QStringList, order);
+    QFETCH(int, orderSignals);
+
+    VMFileTableContentArea area;
+    fill(area, 4);
+    QWidget *row = area.itemAt(dragged);
+    QSignalSpy orderSpy(&area, &VMFileTableContentArea::sigItemsOrderChanged);
+    QVERIFY(orderSpy.isValid());
+
+    if (dropAt >= 0) {
+        area.moveDropIndicator(dropAt);
+        QCOMPARE(area.dropIndicatorIndex(), dropAt);
+    }
+    QCOMPARE(area.dropRowAtIndicator(row), orderSignals == 1);
+    QCOMPARE(names(area), order);
+    QCOMPARE(orderSpy.count(), orderSignals);
+    QCOMPARE(area.dropIndicatorIndex(), -1);
+    QCOMPARE(area.itemCount(), 4);
+}
+
+void tst_VMFileTableContentArea::countAndItemAtSkipIndicator()
+{
+    VMFileTableContentArea area;
+    QCOMPARE(area.dropIndexAt(QPoint(10, 10)), -1);
+    fill(area, 3);
+    for (int indicatorRow = 0; indicatorRow <= 3; ++indicatorRow) {
+        area.moveDropIndicator(indicatorRow);
+        QCOMPARE(area.dropIndicatorIndex(), indicatorRow);
+        QCOMPARE(area.itemCount(), 3);
+        QCOMPARE(names(area), (QStringList{"R1", "R2", "R3"}));
+        QVERIFY(!area.itemAt(-1));
+        QVERIFY(!area.itemAt(3));
+    }
+    // Sorting takes the indicator away before it orders the rows.
+    area.sortItems([](QWidget *a, QWidget *b) { return a->objectName() > b->objectName(); });
+    QCOMPARE(area.dropIndicatorIndex(), -1);
+    QCOMPARE(names(area), (QStringList{"R3", "R2", "R1"}));
+}
+
+void tst_VMFileTableContentArea::removeItem()
+{
+    VMFileTableContentArea area;
+    fill(area, 3);
+    QWidget *middle = area.itemAt(1);
+    QPointer<QWidget> guard(middle);
+    QStringList log;
+    connect(&area, &VMFileTableContentArea::sigItemRemoved, this,
+            [&log](QWidget *row) { log << "removed " + row->objectName(); });
+    connect(&area, &VMFileTableContentArea::sigCountChange, this,
+            [&log](int count) { log << QStringLiteral("count %1").arg(count); });
+
+    QWidget stranger;
+    area.removeItem(&stranger);
+    area.removeItem(nullptr);
+    QVERIFY(log.isEmpty());
+
+    area.removeItem(middle);
+    QCOMPARE(log, (QStringList{"removed R2", "count 2"}));
+    QCOMPARE(names(area), (QStringList{"R1", "R3"}));
+    QVERIFY(guard);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!guard);
+}
+
+void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("shown");
+
+    QTest::newRow("own_row") << "own" << true;
+    QTest::newRow("widget_outside_the_list") << "stranger" << false;
+    QTest::newRow("other_list_row") << "other_list" << false;
+    QTest::newRow("made_up_address") << "made_up" << false;
+    QTest::newRow("zero") << "zero" << false;
+    QTest::newRow("not_a_number") << "text" << false;
+}
+
+void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows()
+{
+    QFETCH(QString, kind);
+    QFETCH(bool, shown);
+
+    VMFileTableContentArea area;
+    fill(area, 3);
+    VMFileTableContentArea otherList;
+    QWidget *otherRow = addRow(otherList, QStringLiteral("X"));
+    QWidget stranger;
+    QVERIFY(showArea(area));
+
+    const auto number = [](const QWidget *w) { return QByteArray::number(quint64(reinterpret_cast<quintptr>(w))); };
+    QByteArray bytes;
+    if (kind == "own")
+        bytes = number(area.itemAt(0));
+    else if (kind == "stranger")
+        bytes = number(&stranger);
+    else if (kind == "other_list")
+        bytes = number(otherRow);
+    else if (kind == "made_up")
+        bytes = "12345678";
+    else if (kind == "zero")
+        bytes = "0";
+    else
+        bytes = "R1";
+    QScopedPointer<QMimeData> data(payload(bytes));
+
+    QDragEnterEvent enter(QPoint(100, 140), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &enter);
+    QDragMoveEvent move(QPoint(100, 140), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &move);
+    QCOMPARE(area.dropIndicatorIndex(), shown ? 3 : -1);
+    QCOMPARE(area.itemCount(), 3);
+
+    // Files dragged from outside are left to the parents.
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.docx"))});
+    QDragEnterEvent filesEnter(QPoint(100, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &filesEnter);
+    QVERIFY(!filesEnter.isAccepted());
+}
+
+void tst_VMFileTableContentArea::overlayScrollBarFollowsRange()
+{
+    VMFileTableContentArea area;
+    fill(area, 3);
+    QVERIFY(showArea(area, 300));
+    auto *overlay = area.viewport()->findChild<QScrollBar *>();
+    QVERIFY(overlay);
+    QVERIFY(!area.verticalScrollBar()->isVisible());
+    QVERIFY(!overlay->isVisible());
+
+    fill(area, 5);
+    QTRY_VERIFY(overlay->isVisible());
+    QCOMPARE(overlay->maximum(), area.verticalScrollBar()->maximum());
+    QCOMPARE(overlay->geometry().right(), area.viewport()->width() - 1);
+    overlay->setValue(overlay->maximum());
+    QCOMPARE(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
+    QCOMPARE(area.widget()->width(), area.viewport()->width());
+}
+
+QTEST_MAIN(tst_VMFileTableContentArea)
+#include "tst_vmfiletablecontentarea.moc"
