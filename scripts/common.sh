@@ -8,7 +8,7 @@ BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 PACKAGES=(
   build-essential cmake pkg-config git
   qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev qt5-qmake
-  libthrift-dev thrift-compiler
+  libthrift-dev thrift-compiler libboost-dev
   libreoffice-writer libreoffice-dev
   xvfb xauth dbus fonts-dejavu-core poppler-utils file
   fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea fonts-wqy-microhei

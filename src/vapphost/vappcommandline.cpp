@@ -27,8 +27,9 @@ bool VAppCommandLine::parse(const QStringList &arguments)
     const QCommandLineOption screenshot(QStringLiteral("screenshot"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption quitAfter(QStringLiteral("quit-after"), QString(), QStringLiteral("MS"));
     const QCommandLineOption serverName(QStringLiteral("server-name"), QString(), QStringLiteral("NAME"));
+    const QCommandLineOption drive(QStringLiteral("drive"), QString(), QStringLiteral("DIR"));
     parser.addOptions({help, addon, src, signedOut, theme, scale, usageLog, screenshot, quitAfter,
-                       serverName});
+                       serverName, drive});
 
     if (arguments.isEmpty()) {
         m_errorString = QStringLiteral("no program name in the argument list");
@@ -55,6 +56,7 @@ bool VAppCommandLine::parse(const QStringList &arguments)
     m_options.usageLogPath = lastValue(usageLog);
     m_options.screenshotPath = lastValue(screenshot);
     m_options.serverName = lastValue(serverName);
+    m_options.driveRoot = lastValue(drive);
 
     if (parser.isSet(addon) && m_options.addonPath.isEmpty()) {
         m_errorString = QStringLiteral("--addon needs a library path");
@@ -70,6 +72,11 @@ bool VAppCommandLine::parse(const QStringList &arguments)
     }
     if (parser.isSet(serverName) && m_options.serverName.isEmpty()) {
         m_errorString = QStringLiteral("--server-name needs a name");
+        return false;
+    }
+
+    if (parser.isSet(drive) && m_options.driveRoot.isEmpty()) {
+        m_errorString = QStringLiteral("--drive needs a folder");
         return false;
     }
 
@@ -130,6 +137,8 @@ QString VAppCommandLine::helpText(const QString &programName)
                "                      default 2000 there)\n"
                "  --server-name NAME  name of the local socket that keeps one instance per user\n"
                "                      (also VAPPHOST_SERVER_NAME)\n"
+               "  --drive DIR         folder of the cloud drive service, one folder per user in it\n"
+               "                      (default: dalodrive in the user's data folder)\n"
                "  -h, --help          show this help\n"
                "\n"
                "Exit codes: 0 success, 1 bad command line, 2 the add-on could not be loaded,\n"

@@ -20,6 +20,7 @@ public:
         QString screenshotPath;
         int quitAfterMs = -1;       // -1: run until closed
         QString serverName;         // empty: derived from the user id
+        QString driveRoot;          // empty: the drive service's default
         bool helpRequested = false;
     };
 

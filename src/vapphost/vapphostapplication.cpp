@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+#include "daloconfig.h"
+#include "dalodriveprocess.h"
 #include "vappaddonloader.h"
 #include "vappcommandline.h"
 #include "vappcontainer.h"
@@ -109,6 +111,25 @@ int VAppHostApplication::run(int &argc, char **argv)
                                                              : options.usageLogPath);
     if (!options.signedOut)
         container.hostAccount()->signIn(VAppAccount::localUserName());
+
+    // The cloud drive service lives as long as the host and serves whoever is signed in. A host
+    // under an explicit instance name gets a drive socket of that name, so that it never takes
+    // over the user's own; a screenshot run under the default name starts none.
+    if (!options.driveRoot.isEmpty())
+        DaloConfig::setDriveRoot(QFileInfo(options.driveRoot).absoluteFilePath());
+    if (explicitName && qEnvironmentVariableIsEmpty("DALO_DRIVE_SOCKET"))
+        DaloConfig::setSocketName(DaloConfig::socketPath(serverName + QStringLiteral("-drive")));
+    VAppAccount *account = container.hostAccount();
+    const auto signedInUser = [account] {
+        AppFrameWork::VAppUserInfo info;
+        account->userInfo(info);
+        return info.userId;
+    };
+    DaloDriveProcess drive;
+    if ((!screenshotRun || explicitName) && !drive.start(signedInUser()))
+        qCWarning(lcVAppHost) << "cloud requests will start their own service:" << drive.errorString();
+    QObject::connect(account, &VAppAccount::loginChanged, &drive,
+                     [&drive, signedInUser] { drive.setUser(signedInUser()); });
 
     VAppHostWindow window(&container);
     container.setMainWindow(&window);
