@@ -336,7 +336,7 @@ void VMFileListPage::onStartMerger()
     m_passMode = 1;
     m_infoProvider->start(keys);
     m_merging = true;
-    m_progressDialog = showMergeProgress(this, this, totalPages);
+    m_progressDialog = VMProgressDlg::showMergeProgress(this, this, totalPages);
 }
 
 void VMFileListPage::onDoMerge()

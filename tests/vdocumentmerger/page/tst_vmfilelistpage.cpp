@@ -19,6 +19,7 @@
 #include "table/vmfifletablecontentitem.h"
 #include "table/vmfileoptionwidget.h"
 #include "table/vmfiletablewidget.h"
+#include "table/vmimportfilewidget.h"
 #include "zyltestdocuments.h"
 
 using Params = QHash<QString, QString>;
@@ -58,7 +59,7 @@ private:
             for (const QString &name : qAsConst(m_names))
                 quoted.append(QLatin1Char('"') + name + QLatin1Char('"'));
             files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->setText(quoted.join(QLatin1Char(' ')));
-            files->accept();
+            static_cast<QDialog *>(files)->accept();
             return;
         }
         if (qobject_cast<VMProgressDlg *>(modal))
@@ -113,10 +114,10 @@ void tst_VMFileListPage::initTestCase()
     QVERIFY(QDir(m_dir.path()).mkpath(QStringLiteral("docs")));
     QVERIFY(QDir(m_dir.path()).mkpath(QStringLiteral("scratch/My Files")));
     QString error;
-    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("A doc.docx")), {"A1", "A2", "A3"}, &error),
+    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("A doc.docx")), QStringList{"A1", "A2", "A3"}, &error),
              qPrintable(error));
-    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("B.doc")), {"B1", "B2"}, &error), qPrintable(error));
-    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("C.zyl")), {"C1", "C2", "C3", "C4"}, &error),
+    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("B.doc")), QStringList{"B1", "B2"}, &error), qPrintable(error));
+    QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("C.zyl")), QStringList{"C1", "C2", "C3", "C4"}, &error),
              qPrintable(error));
     // Not documents: their counts fail, which is all intake needs.
     for (const QString &name : {"a.doc", "A.doc", "x.docx", "y.zyl", "My Files/r.doc", "notes.txt"}) {
@@ -424,7 +425,7 @@ void tst_VMFileListPage::mergeEndToEnd()
     // Descending by name: C, B, A.
     table->onSortClicked(2);
     QCOMPARE(rowPaths(table), (QStringList{doc("C.zyl"), doc("B.doc"), doc("A doc.docx")}));
-    QCOMPARE(eventParams(QStringLiteral("vas_wordmerge_click")), QList<Params>{{{"type", "reverse"}}});
+    QCOMPARE(eventParams(QStringLiteral("vas_wordmerge_click")), (QList<Params>{{{"type", "reverse"}}}));
 
     m_app.clearEvents();
     ModalDriver driver;
@@ -450,7 +451,7 @@ void tst_VMFileListPage::mergeEndToEnd()
     QCOMPARE(table->itemAt(2)->rangeFrom(), 2);
 
     const QString popupType = location == 2 ? QStringLiteral("cloud_fail") : QStringLiteral("done");
-    QCOMPARE(eventParams(QStringLiteral("vas_wordmerge_click")), QList<Params>{{{"type", "start_up"}}});
+    QCOMPARE(eventParams(QStringLiteral("vas_wordmerge_click")), (QList<Params>{{{"type", "start_up"}}}));
     const QList<Params> popups = eventParams(QStringLiteral("vas_wordmerge_popup"));
     QVERIFY(popups.contains(Params{{"type", "processing"}, {"action", "show"}}));
     QVERIFY(!popups.contains(Params{{"type", "processing"}, {"action", "click_close"}}));
