@@ -44,7 +44,10 @@ public:
         try {
             auto buffer = std::make_shared<apache::thrift::transport::TMemoryBuffer>(
                 reinterpret_cast<uint8_t *>(const_cast<char *>(bytes.constData())), uint32_t(bytes.size()));
-            apache::thrift::protocol::TBinaryProtocol protocol(buffer);
+            // No string or container can be longer than the bytes at hand; without these limits
+            // a forged length makes the protocol allocate it before finding the end of the data.
+            const int32_t limit = qMax(1, bytes.size());
+            apache::thrift::protocol::TBinaryProtocol protocol(buffer, limit, limit, false, true);
             record->read(&protocol);
             if (buffer->available_read() != 0) {
                 if (error)

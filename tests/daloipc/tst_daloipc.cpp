@@ -1,0 +1,441 @@
+#include <QtTest>
+
+#include <QLocalSocket>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+#include "daloconfig.h"
+#include "daloframe.h"
+#include "dalorecords.h"
+#include "host/daloipc.h"
+
+using namespace zyl::dalo;
+
+// Records every reply the library delivers.
+class Receiver : public QObject {
+    Q_OBJECT
+public:
+    struct Reply {
+        bool ok;
+        QString id;
+        int code;
+        QString text; // the cache folder or the open folder
+        std::vector<std::string> files;
+    };
+    QList<Reply> replies;
+    int *deliveries = nullptr;
+
+private slots:
+    void onUpload(bool ok, QString id, zyl::dalo::UploadFilesToCloudResult result)
+    {
+        record({ok, id, result.resultCode, QString(), result.cloudFiles});
+    }
+    void onOpen(bool ok, QString id, OpenVirtualCloudDiskResult result)
+    {
+        record({ok, id, result.resultCode, QString::fromStdString(result.localFolder), {}});
+    }
+    void onCache(bool ok, QString id, zyl::dalo::GetCloudFileCachePathResult result)
+    {
+        record({ok, id, result.resultCode, QString::fromStdString(result.cacheFolder), {}});
+    }
+
+private:
+    void record(const Reply &reply)
+    {
+        replies.append(reply);
+        if (deliveries)
+            ++*deliveries;
+    }
+};
+
+class tst_DaloIpc : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void upload_data();
+    void upload();
+    void takenNamesGetNumbers();
+    void openAndCache();
+    void followsTheSignedInUser();
+    void unreadableRequestsKeepTheServiceRunning();
+    void refusedCalls();
+    void receiverGoneGetsNoCall();
+    void unreachableService_data();
+    void unreachableService();
+    void startsServiceOnDemand();
+
+private:
+    bool startService(const QString &user);
+    QString upload(Receiver &receiver, const QString &user, const QString &cloudPath, const QStringList &files,
+                   bool create = true);
+    Receiver::Reply waitForReply(Receiver &receiver);
+    QString userFolder(const QString &user) const { return m_dir->path() + "/drive/" + user; }
+
+    QScopedPointer<QTemporaryDir> m_dir;
+    QScopedPointer<QProcess> m_service;
+    QString m_source;
+};
+
+void tst_DaloIpc::init()
+{
+    m_dir.reset(new QTemporaryDir);
+    QVERIFY(m_dir->isValid());
+    DaloConfig::setSocketName(m_dir->path() + "/drive.sock");
+    DaloConfig::setDriveRoot(m_dir->path() + "/drive");
+    qputenv("DALO_DRIVE_EXE", DALODRIVE_EXE);
+    qunsetenv("DALO_IPC_TIMEOUT_MS");
+    // Services started on demand must not outlive the test by much.
+    qputenv("DALO_DRIVE_IDLE_MS", "3000");
+    m_source = m_dir->path() + "/a.docx";
+    QFile source(m_source);
+    QVERIFY(source.open(QIODevice::WriteOnly));
+    source.write("merged document");
+}
+
+void tst_DaloIpc::cleanup()
+{
+    if (m_service) {
+        ::kill(pid_t(m_service->processId()), SIGCONT);
+        m_service->closeWriteChannel();
+        const bool ended = m_service->waitForFinished(5000);
+        if (!ended) {
+            m_service->kill();
+            m_service->waitForFinished();
+        }
+        m_service.reset();
+        QVERIFY2(ended, "the service did not end with its input");
+    }
+    m_dir.reset();
+}
+
+bool tst_DaloIpc::startService(const QString &user)
+{
+    m_service.reset(new QProcess);
+    m_service->setProcessChannelMode(QProcess::ForwardedChannels);
+    m_service->start(DALODRIVE_EXE, {"--socket", DaloConfig::socketName(), "--drive", DaloConfig::driveRoot(),
+                                     "--user", user, "--control-stdin", "--open-with", "true"});
+    if (!m_service->waitForStarted())
+        return false;
+    QLocalSocket probe;
+    QElapsedTimer waited;
+    waited.start();
+    do {
+        probe.connectToServer(DaloConfig::socketName());
+        if (probe.waitForConnected(100))
+            return true;
+        QTest::qWait(20);
+    } while (waited.elapsed() < 5000);
+    return false;
+}
+
+QString tst_DaloIpc::upload(Receiver &receiver, const QString &user, const QString &cloudPath,
+                            const QStringList &files, bool create)
+{
+    UploadFilesToCloudArg arg;
+    arg.__set_userId(user.toStdString());
+    arg.__set_cloudPath(cloudPath.toStdString());
+    for (const QString &file : files)
+        arg.srcFiles.push_back(file.toStdString());
+    arg.__set_createWhenNoExists(create);
+    return DaloIpcAsynCallEx("uploadFilesToCloud", QGenericArgument("UploadFilesToCloudArg", &arg), &receiver,
+                             "onUpload");
+}
+
+Receiver::Reply tst_DaloIpc::waitForReply(Receiver &receiver)
+{
+    const int before = receiver.replies.size();
+    if (!QTest::qWaitFor([&] { return receiver.replies.size() > before; }, 10000))
+        return {false, QString(), -1, QString(), {}};
+    return receiver.replies.last();
+}
+
+void tst_DaloIpc::upload_data()
+{
+    QTest::addColumn<QString>("user");
+    QTest::addColumn<QString>("cloudPath");
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<bool>("create");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("landed");
+
+    QTest::newRow("lands_in_user_folder") << "alice" << "cloudapp/documentmerger" << "a.docx" << true
+                                          << int(DaloResultCode::Succeeded) << "cloudapp/documentmerger/a.docx";
+    QTest::newRow("dot_steps_are_dropped") << "alice" << "./cloudapp//x/." << "a.docx" << true
+                                           << int(DaloResultCode::Succeeded) << "cloudapp/x/a.docx";
+    QTest::newRow("missing_folder_without_create") << "alice" << "cloudapp" << "a.docx" << false
+                                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("missing_source") << "alice" << "cloudapp" << "gone.docx" << true
+                                    << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("empty_path") << "alice" << "" << "a.docx" << true
+                                << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("climbing_path") << "alice" << "cloudapp/../../bob" << "a.docx" << true
+                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("absolute_path") << "alice" << "@/outside" << "a.docx" << true
+                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("link_leading_out") << "alice" << "escape/x" << "a.docx" << true
+                                      << int(DaloResultCode::FailedOnInvalidParameters) << "";
+    QTest::newRow("other_user") << "bob" << "cloudapp" << "a.docx" << true
+                                << int(DaloResultCode::FailedOnAccountChanged) << "";
+}
+
+void tst_DaloIpc::upload()
+{
+    QFETCH(QString, user);
+    QFETCH(QString, cloudPath);
+    QFETCH(QString, source);
+    QFETCH(bool, create);
+    QFETCH(int, code);
+    QFETCH(QString, landed);
+
+    const QString outside = m_dir->path() + "/outside";
+    QVERIFY(QDir().mkpath(outside));
+    QVERIFY(QDir().mkpath(userFolder("alice")));
+    QVERIFY(QFile::link(outside, userFolder("alice") + "/escape"));
+    cloudPath.replace("@", m_dir->path());
+    QVERIFY(startService("alice"));
+
+    Receiver receiver;
+    const QString id = upload(receiver, user, cloudPath, {m_dir->path() + '/' + source}, create);
+    QVERIFY(!id.isEmpty());
+    const Receiver::Reply reply = waitForReply(receiver);
+    QVERIFY(reply.ok);
+    QCOMPARE(reply.id, id);
+    QCOMPARE(reply.code, code);
+    if (!landed.isEmpty()) {
+        QCOMPARE(reply.files, std::vector<std::string>{landed.toStdString()});
+        QFile copy(userFolder("alice") + '/' + landed);
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray("merged document"));
+    }
+    QVERIFY(QDir(outside).isEmpty());
+    QVERIFY(!QFileInfo::exists(userFolder("bob")));
+}
+
+void tst_DaloIpc::takenNamesGetNumbers()
+{
+    QVERIFY(startService("alice"));
+    const QString other = m_dir->path() + "/notes";
+    QFile notes(other);
+    QVERIFY(notes.open(QIODevice::WriteOnly));
+
+    Receiver receiver;
+    QStringList ids;
+    for (int i = 0; i < 3; ++i)
+        ids << upload(receiver, "alice", "docs", {m_source, other});
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.replies.size(), 3, 10000);
+    std::vector<std::string> landed;
+    for (const Receiver::Reply &reply : qAsConst(receiver.replies)) {
+        QCOMPARE(reply.code, int(DaloResultCode::Succeeded));
+        landed.insert(landed.end(), reply.files.begin(), reply.files.end());
+    }
+    std::sort(landed.begin(), landed.end());
+    const std::vector<std::string> expected{"docs/a(1).docx", "docs/a(2).docx", "docs/a.docx",
+                                            "docs/notes",     "docs/notes(1)",  "docs/notes(2)"};
+    QCOMPARE(landed, expected);
+    // No half-written file is left behind under any name.
+    QCOMPARE(QDir(userFolder("alice") + "/docs").entryList(QDir::Files | QDir::Hidden).size(), 6);
+}
+
+void tst_DaloIpc::openAndCache()
+{
+    QVERIFY(startService("alice"));
+    Receiver receiver;
+    const auto open = [&](bool create) {
+        OpenVirtualCloudDiskArg arg;
+        arg.__set_userId("alice");
+        arg.__set_cloudPath("cloudapp/documentmerger");
+        arg.__set_createWhenNoExists(create);
+        DaloIpcAsynCallEx("openVirtualCloudDisk", QGenericArgument("OpenVirtualCloudDiskArg", &arg), &receiver,
+                          "onOpen");
+        return waitForReply(receiver);
+    };
+    const auto cache = [&] {
+        GetCloudFileCachePathArg arg;
+        arg.__set_userId("alice");
+        arg.__set_cloudPath("cloudapp/documentmerger");
+        DaloIpcAsynCallEx("getCloudFileCachePath", QGenericArgument("GetCloudFileCachePathArg", &arg), &receiver,
+                          "onCache");
+        return waitForReply(receiver);
+    };
+    QCOMPARE(open(false).code, int(DaloResultCode::FailedOnInvalidParameters));
+    QCOMPARE(cache().code, int(DaloResultCode::FailedOnInvalidParameters));
+    const Receiver::Reply opened = open(true);
+    QCOMPARE(opened.code, int(DaloResultCode::Succeeded));
+    QCOMPARE(opened.text, userFolder("alice") + "/cloudapp/documentmerger");
+
+    upload(receiver, "alice", "cloudapp/documentmerger", {m_source});
+    QCOMPARE(waitForReply(receiver).code, int(DaloResultCode::Succeeded));
+    Receiver::Reply cached = cache();
+    QCOMPARE(cached.code, int(DaloResultCode::Succeeded));
+    QVERIFY(!cached.text.startsWith(userFolder("alice")));
+    QFile copy(cached.text + "/a.docx");
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("merged document"));
+    copy.close();
+
+    // Changed and removed drive files show in the next answer.
+    QFile changed(opened.text + "/a.docx");
+    QVERIFY(changed.open(QIODevice::WriteOnly));
+    changed.write("second version");
+    changed.close();
+    QVERIFY(QFile::rename(opened.text + "/a.docx", opened.text + "/b.docx"));
+    cached = cache();
+    QCOMPARE(QDir(cached.text).entryList(QDir::Files | QDir::Hidden), QStringList{"b.docx"});
+    QFile second(cached.text + "/b.docx");
+    QVERIFY(second.open(QIODevice::ReadOnly));
+    QCOMPARE(second.readAll(), QByteArray("second version"));
+}
+
+void tst_DaloIpc::followsTheSignedInUser()
+{
+    QVERIFY(startService("alice"));
+    Receiver receiver;
+    m_service->write("signout\n");
+    QTRY_VERIFY_WITH_TIMEOUT((upload(receiver, "alice", "c", {m_source}), waitForReply(receiver).code
+                              == int(DaloResultCode::FailedOnNotLogined)), 5000);
+    m_service->write("user b%C3%B6b\n");
+    QTRY_VERIFY_WITH_TIMEOUT((upload(receiver, "alice", "c", {m_source}), waitForReply(receiver).code
+                              == int(DaloResultCode::FailedOnAccountChanged)), 5000);
+    upload(receiver, QString::fromUtf8("b\xc3\xb6" "b"), "c", {m_source});
+    QCOMPARE(waitForReply(receiver).code, int(DaloResultCode::Succeeded));
+    QVERIFY(QFileInfo::exists(m_dir->path() + "/drive/b%C3%B6b/c/a.docx"));
+    QVERIFY(!QFileInfo::exists(userFolder("alice")));
+}
+
+void tst_DaloIpc::unreadableRequestsKeepTheServiceRunning()
+{
+    QVERIFY(startService("alice"));
+    DaloRequestFrame wrongRecord;
+    wrongRecord.requestId = "r2";
+    wrongRecord.method = "uploadFilesToCloud";
+    wrongRecord.recordType = "UploadFilesToCloudArg";
+    wrongRecord.record = DaloRecords::toBytes(OpenVirtualCloudDiskArg()).toStdString();
+    DaloRequestFrame wrongMethod = wrongRecord;
+    wrongMethod.requestId = "r3";
+    wrongMethod.method = "deleteEverything";
+    const struct {
+        QByteArray payload;
+        int code;
+    } cases[] = {
+        {QByteArray("\x0b\x00\x01garbage", 10), DaloResultCode::FailedOnRpc},
+        {DaloRecords::toBytes(wrongRecord), DaloResultCode::FailedOnInvalidParameters},
+        {DaloRecords::toBytes(wrongMethod), DaloResultCode::FailedOnMethodNoFound},
+    };
+    for (const auto &c : cases) {
+        QLocalSocket socket;
+        socket.connectToServer(DaloConfig::socketName());
+        QVERIFY(socket.waitForConnected(2000));
+        socket.write(DaloFrame::pack(c.payload));
+        QByteArray buffer, payload;
+        QVERIFY(QTest::qWaitFor([&] {
+            buffer += socket.readAll();
+            return DaloFrame::take(buffer, &payload) == DaloFrame::Status::Complete;
+        }, 5000));
+        DaloReplyFrame reply;
+        QVERIFY(DaloRecords::fromBytes(payload, &reply));
+        QCOMPARE(reply.resultCode, c.code);
+    }
+    // An oversized frame only costs its own connection.
+    QLocalSocket greedy;
+    greedy.connectToServer(DaloConfig::socketName());
+    QVERIFY(greedy.waitForConnected(2000));
+    greedy.write(QByteArray("\x7f\xff\xff\xff", 4));
+    QTRY_COMPARE(greedy.state(), QLocalSocket::UnconnectedState);
+
+    Receiver receiver;
+    upload(receiver, "alice", "c", {m_source});
+    QCOMPARE(waitForReply(receiver).code, int(DaloResultCode::Succeeded));
+}
+
+void tst_DaloIpc::refusedCalls()
+{
+    QVERIFY(startService("alice"));
+    Receiver receiver;
+    UploadFilesToCloudArg arg;
+    const QGenericArgument upload("UploadFilesToCloudArg", &arg);
+    QVERIFY(DaloIpcAsynCallEx("deleteEverything", upload, &receiver, "onUpload").isEmpty());
+    QVERIFY(DaloIpcAsynCallEx("openVirtualCloudDisk", upload, &receiver, "onOpen").isEmpty());
+    QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", QGenericArgument("QString", &arg), &receiver, "onUpload")
+                .isEmpty());
+    QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", upload, nullptr, "onUpload").isEmpty());
+    QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", QGenericArgument("UploadFilesToCloudArg", nullptr),
+                              &receiver, "onUpload").isEmpty());
+
+    const QString first = DaloIpcAsynCallEx("uploadFilesToCloud", upload, &receiver, "onUpload");
+    const QString second = DaloIpcAsynCallEx("uploadFilesToCloud", upload, &receiver, "onUpload");
+    QVERIFY(!first.isEmpty());
+    QVERIFY(first != second);
+    // Replies come from the event loop, never during the call.
+    QVERIFY(receiver.replies.isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.replies.size(), 2, 10000);
+}
+
+void tst_DaloIpc::receiverGoneGetsNoCall()
+{
+    QVERIFY(startService("alice"));
+    int deliveries = 0;
+    auto *gone = new Receiver;
+    gone->deliveries = &deliveries;
+    QVERIFY(!upload(*gone, "alice", "c", {m_source}).isEmpty());
+    delete gone;
+    Receiver witness;
+    witness.deliveries = &deliveries;
+    upload(witness, "alice", "c", {m_source});
+    QTRY_COMPARE_WITH_TIMEOUT(deliveries, 1, 10000);
+    QTRY_COMPARE(QDir(userFolder("alice") + "/c").entryList(QDir::Files).size(), 2);
+    QTest::qWait(100);
+    QCOMPARE(deliveries, 1);
+}
+
+void tst_DaloIpc::unreachableService_data()
+{
+    QTest::addColumn<bool>("stopped");
+    QTest::newRow("not_running_and_cannot_start") << false;
+    QTest::newRow("stopped_and_silent") << true;
+}
+
+void tst_DaloIpc::unreachableService()
+{
+    QFETCH(bool, stopped);
+    if (stopped) {
+        QVERIFY(startService("alice"));
+        ::kill(pid_t(m_service->processId()), SIGSTOP);
+        qputenv("DALO_IPC_TIMEOUT_MS", "2000");
+    } else {
+        qputenv("DALO_DRIVE_EXE", QFile::encodeName(m_dir->path() + "/no-such-service"));
+    }
+    Receiver receiver;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const QString id = upload(receiver, "alice", "c", {m_source});
+    QVERIFY(!id.isEmpty());
+    const Receiver::Reply reply = waitForReply(receiver);
+    QVERIFY(elapsed.elapsed() < 5000);
+    QCOMPARE(reply.id, id);
+    QVERIFY(!reply.ok);
+    QCOMPARE(reply.code, int(DaloResultCode::FailedOnIpc));
+}
+
+void tst_DaloIpc::startsServiceOnDemand()
+{
+    qputenv("DALO_DRIVE_IDLE_MS", "500");
+    Receiver receiver;
+    upload(receiver, "alice", "c", {m_source});
+    const Receiver::Reply reply = waitForReply(receiver);
+    QVERIFY(reply.ok);
+    QCOMPARE(reply.code, int(DaloResultCode::Succeeded));
+    // Left alone, it goes by itself.
+    const auto answers = [] {
+        QLocalSocket probe;
+        probe.connectToServer(DaloConfig::socketName());
+        return probe.waitForConnected(100);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(!answers(), 10000);
+}
+
+QTEST_MAIN(tst_DaloIpc)
+#include "tst_daloipc.moc"

@@ -1,0 +1,252 @@
+#include <QtTest>
+
+#include "cloud/vmcloudhelper.h"
+#include "cloudargs_types.h"
+#include "fakeappaccount.h"
+#include "fakeappcontainer.h"
+#include "fakemainwindow.h"
+#include "host/daloipc.h"
+#include "shell/cappcontroller.h"
+#include "shell/pluginexports.h"
+
+using namespace zyl::dalo;
+
+namespace {
+
+// What the add-on handed to the IPC library in one call.
+struct SentCall {
+    QString method;
+    QString recordType;
+    QPointer<QObject> receiver;
+    QString slotName;
+    UploadFilesToCloudArg upload;
+    OpenVirtualCloudDiskArg open;
+    GetCloudFileCachePathArg cache;
+};
+
+QList<SentCall> &sentCalls()
+{
+    static QList<SentCall> calls;
+    return calls;
+}
+
+} // namespace
+
+// Stands in for the IPC library: keeps a copy of the record, as the library keeps its bytes.
+QString DaloIpcAsynCallEx(const QString &method, const QGenericArgument &argument, QObject *receiver,
+                          const QString &slotName)
+{
+    SentCall call{method, QString::fromLatin1(argument.name()), receiver, slotName, {}, {}, {}};
+    if (call.recordType == QLatin1String("UploadFilesToCloudArg"))
+        call.upload = *static_cast<const UploadFilesToCloudArg *>(argument.data());
+    else if (call.recordType == QLatin1String("OpenVirtualCloudDiskArg"))
+        call.open = *static_cast<const OpenVirtualCloudDiskArg *>(argument.data());
+    else
+        call.cache = *static_cast<const GetCloudFileCachePathArg *>(argument.data());
+    sentCalls().append(call);
+    return QStringLiteral("id-%1").arg(sentCalls().size());
+}
+
+namespace {
+
+// Calls a reply slot by name the way the IPC library does.
+template <class Result>
+void invokeReply(QObject *receiver, const QString &slotName, bool ok, const QString &id, const Result &result,
+                 const char *resultType)
+{
+    QVERIFY(receiver);
+    QVERIFY(QMetaObject::invokeMethod(receiver, slotName.toLatin1().constData(), Qt::DirectConnection,
+                                      Q_ARG(bool, ok), Q_ARG(QString, id), QGenericArgument(resultType, &result)));
+}
+
+// Answers the index-th sent call.
+template <class Result>
+void reply(int index, bool ok, const Result &result, const char *resultType)
+{
+    const SentCall &call = sentCalls().at(index);
+    invokeReply(call.receiver.data(), call.slotName, ok, QStringLiteral("id-%1").arg(index + 1), result,
+                resultType);
+}
+
+} // namespace
+
+class tst_VMCloudHelper : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void nothingSentWhenSignedOut();
+    void uploadRecord_data();
+    void uploadRecord();
+    void openRecord_data();
+    void openRecord();
+    void uploadAndOpenReplies_data();
+    void uploadAndOpenReplies();
+    void cachePathReplies();
+
+private:
+    FakeAppContainer m_app;
+    FakeMainWindow m_window{&m_app};
+    FakeAppAccount m_account;
+};
+
+void tst_VMCloudHelper::init()
+{
+    sentCalls().clear();
+    m_account.setLoggedIn(true);
+    m_account.setUserId(QString::fromUtf8("u-\xc3\xa4"));
+    m_app.setAccount(&m_account);
+    QVERIFY(CAppController::instance());
+    QVERIFY(Initialize(&m_app));
+}
+
+void tst_VMCloudHelper::cleanup()
+{
+    Destroy();
+}
+
+void tst_VMCloudHelper::nothingSentWhenSignedOut()
+{
+    m_account.setLoggedIn(false);
+    VMCloudHelper *helper = VMCloudHelper::instance();
+    QCOMPARE(helper->parent(), CAppController::instance());
+    QSignalSpy cache(helper, &VMCloudHelper::getCachePathFinished);
+    QVERIFY(helper->uploadFilesToCloud("/tmp/a.docx", VMCloudHelper::cloudFolderPath()).isEmpty());
+    QVERIFY(helper->openVirtualCloudDisk(VMCloudHelper::cloudFolderPath(), true).isEmpty());
+    QVERIFY(helper->getCloudFileCachePath(VMCloudHelper::cloudFolderPath(), "a.docx").isEmpty());
+    QVERIFY(sentCalls().isEmpty());
+
+    // Without a sent request the waiting flag stays clear, so a stray reply says nothing.
+    GetCloudFileCachePathResult result;
+    result.resultCode = 0;
+    result.cacheFolder = "/cache";
+    invokeReply(helper, "onGetCachePathFinished", true, "stray", result, "zyl::dalo::GetCloudFileCachePathResult");
+    QVERIFY(cache.isEmpty());
+}
+
+void tst_VMCloudHelper::uploadRecord_data()
+{
+    QTest::addColumn<QString>("filePath");
+    QTest::newRow("drive_letter_path") << "D:/out/a.docx";
+    QTest::newRow("unix_path_with_space_and_umlaut") << QString::fromUtf8("/home/u/\xc3\xa4 b.docx");
+}
+
+void tst_VMCloudHelper::uploadRecord()
+{
+    QFETCH(QString, filePath);
+    const QString id = VMCloudHelper::instance()->uploadFilesToCloud(filePath, VMCloudHelper::cloudFolderPath());
+    QCOMPARE(id, "id-1");
+    QCOMPARE(sentCalls().size(), 1);
+    const SentCall &call = sentCalls().first();
+    QCOMPARE(call.method, "uploadFilesToCloud");
+    QCOMPARE(call.recordType, "UploadFilesToCloudArg");
+    QCOMPARE(call.slotName, "onUploadFileFinished");
+    QCOMPARE(call.receiver.data(), VMCloudHelper::instance());
+    const UploadFilesToCloudArg &arg = call.upload;
+    QCOMPARE(QString::fromStdString(arg.userId), QString::fromUtf8("u-\xc3\xa4"));
+    QCOMPARE(arg.cloudPath, "cloudapp/documentmerger");
+    QCOMPARE(arg.srcFiles, std::vector<std::string>{QDir::toNativeSeparators(filePath).toStdString()});
+    QCOMPARE(QString::fromStdString(arg.userData), filePath);
+    QVERIFY(arg.createWhenNoExists);
+    QVERIFY(arg.uploadFrom.empty());
+    QVERIFY(arg.extraParam.empty());
+    QVERIFY(!arg.__isset.extraParam);
+}
+
+void tst_VMCloudHelper::openRecord_data()
+{
+    QTest::addColumn<bool>("create");
+    QTest::newRow("create") << true;
+    QTest::newRow("only_existing") << false;
+}
+
+void tst_VMCloudHelper::openRecord()
+{
+    QFETCH(bool, create);
+    QCOMPARE(VMCloudHelper::instance()->openVirtualCloudDisk("cloudapp/x", create), "id-1");
+    const SentCall &call = sentCalls().first();
+    QCOMPARE(call.method, "openVirtualCloudDisk");
+    QCOMPARE(call.recordType, "OpenVirtualCloudDiskArg");
+    QCOMPARE(call.slotName, "onOpenFolderFinished");
+    OpenVirtualCloudDiskArg expected;
+    expected.__set_userId("u-\xc3\xa4");
+    expected.__set_cloudPath("cloudapp/x");
+    expected.__set_createWhenNoExists(create);
+    QVERIFY(call.open == expected);
+    QVERIFY(!call.open.__isset.entryIdentifier);
+}
+
+void tst_VMCloudHelper::uploadAndOpenReplies_data()
+{
+    QTest::addColumn<bool>("bOk");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("resultSuccess");
+    QTest::newRow("succeeded") << true << 0 << true;
+    QTest::newRow("internal_error_9") << true << 9 << false;
+    QTest::newRow("ipc_failed") << false << 1 << false;
+}
+
+void tst_VMCloudHelper::uploadAndOpenReplies()
+{
+    QFETCH(bool, bOk);
+    QFETCH(int, code);
+    QFETCH(bool, resultSuccess);
+
+    VMCloudHelper *helper = VMCloudHelper::instance();
+    QSignalSpy uploaded(helper, &VMCloudHelper::uploadFileFinished);
+    QSignalSpy opened(helper, &VMCloudHelper::openFolderFinished);
+    QVERIFY(uploaded.isValid() && opened.isValid());
+    helper->uploadFilesToCloud("/tmp/a.docx", VMCloudHelper::cloudFolderPath());
+    helper->openVirtualCloudDisk(VMCloudHelper::cloudFolderPath(), true);
+
+    UploadFilesToCloudResult uploadResult;
+    uploadResult.resultCode = code;
+    reply(0, bOk, uploadResult, "zyl::dalo::UploadFilesToCloudResult");
+    OpenVirtualCloudDiskResult openResult;
+    openResult.resultCode = code;
+    reply(1, bOk, openResult, "zyl::dalo::OpenVirtualCloudDiskResult");
+
+    QCOMPARE(uploaded.size(), 1);
+    QCOMPARE(uploaded.first(), (QVariantList{"id-1", bOk, resultSuccess}));
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(opened.first(), (QVariantList{"id-2", bOk, resultSuccess}));
+}
+
+void tst_VMCloudHelper::cachePathReplies()
+{
+    VMCloudHelper *helper = VMCloudHelper::instance();
+    QSignalSpy spy(helper, &VMCloudHelper::getCachePathFinished);
+    QVERIFY(spy.isValid());
+    const char *type = "zyl::dalo::GetCloudFileCachePathResult";
+    GetCloudFileCachePathResult found;
+    found.resultCode = 0;
+    found.cacheFolder = "/cache/\xc3\xa4";
+
+    // Two requests before either reply: the first reply carries the second name, the other is dropped.
+    helper->getCloudFileCachePath(VMCloudHelper::cloudFolderPath(), "first.docx");
+    helper->getCloudFileCachePath(VMCloudHelper::cloudFolderPath(), "second.docx");
+    QCOMPARE(sentCalls().at(1).slotName, "onGetCachePathFinished");
+    QCOMPARE(sentCalls().at(1).cache.cloudPath, "cloudapp/documentmerger");
+    reply(1, true, found, type);
+    reply(0, true, found, type);
+    QCOMPARE(spy.size(), 1);
+    QCOMPARE(spy.takeFirst(), (QVariantList{"id-2", true, true, QString::fromUtf8("/cache/\xc3\xa4/second.docx")}));
+
+    // An empty folder gives no file, even on success; a failed task is still reported.
+    GetCloudFileCachePathResult empty;
+    empty.resultCode = 0;
+    helper->getCloudFileCachePath(VMCloudHelper::cloudFolderPath(), "third.docx");
+    reply(2, true, empty, type);
+    GetCloudFileCachePathResult failed;
+    failed.resultCode = 9;
+    failed.cacheFolder = "/cache";
+    helper->getCloudFileCachePath(VMCloudHelper::cloudFolderPath(), "fourth.docx");
+    reply(3, false, failed, type);
+    QCOMPARE(spy.size(), 2);
+    QCOMPARE(spy.at(0), (QVariantList{"id-3", true, true, QString()}));
+    QCOMPARE(spy.at(1), (QVariantList{"id-4", false, false, "/cache/fourth.docx"}));
+}
+
+QTEST_MAIN(tst_VMCloudHelper)
+#include "tst_vmcloudhelper.moc"
