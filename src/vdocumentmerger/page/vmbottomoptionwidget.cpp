@@ -4,6 +4,7 @@
 #include <QSpacerItem>
 
 #include "host/liolite.h"
+#include "output/vmoutputoptionwidget.h"
 
 VMBottomOptionWidget::VMBottomOptionWidget(QWidget *parent)
     : QWidget(parent)
@@ -11,7 +12,8 @@ VMBottomOptionWidget::VMBottomOptionWidget(QWidget *parent)
     m_layout = new QHBoxLayout(this);
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSpacing(0);
-    // The output options take the place before the spacer once they exist.
+    m_outputOptionWidget = new VMOutputOptionWidget(this);
+    m_layout->addWidget(m_outputOptionWidget);
     m_layout->addItem(new QSpacerItem(0, 0, QSizePolicy::Expanding, QSizePolicy::Minimum));
 
     m_startButton = new VLiteButton(this);
@@ -20,6 +22,7 @@ VMBottomOptionWidget::VMBottomOptionWidget(QWidget *parent)
     m_startButton->setIcon(VDrawHelper::loadIcon(
         QStringLiteral("vmstart_merge_normal;vmstart_merge_hover;vmstart_merge_click;vmstart_merge_disable;")));
     m_startButton->setText(tr("start merge"));
+    m_startButton->setAccessibleName(m_startButton->text());
     m_startButton->setEnabled(false);
     m_layout->addWidget(m_startButton, 0, Qt::AlignBottom);
 

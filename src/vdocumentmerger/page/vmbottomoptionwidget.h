@@ -6,6 +6,7 @@
 
 class QHBoxLayout;
 class VLiteButton;
+class VMOutputOptionWidget;
 
 // The bar under the file area: the output options and the "start merge" button, which
 // starts disabled.
@@ -22,5 +23,6 @@ signals:
 
 private:
     QHBoxLayout *m_layout = nullptr;
+    VMOutputOptionWidget *m_outputOptionWidget = nullptr;
     VLiteButton *m_startButton = nullptr;
 };

@@ -2,7 +2,10 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <QAccessible>
+
 #include "host/liolite.h"
+#include "output/vmoutputoptionwidget.h"
 #include "page/vmbottomoptionwidget.h"
 
 class tst_VMBottomOptionWidget : public QObject {
@@ -45,6 +48,11 @@ void tst_VMBottomOptionWidget::startButtonLook()
     // The button sits at the right end, after the stretch.
     QCOMPARE(bar.layout()->indexOf(button), bar.layout()->count() - 1);
     QCOMPARE(bar.layout()->itemAt(bar.layout()->count() - 1)->alignment(), Qt::AlignBottom);
+    // The output options come first, left of the stretch.
+    QVERIFY(qobject_cast<VMOutputOptionWidget *>(bar.layout()->itemAt(0)->widget()));
+    QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(button);
+    QVERIFY(iface);
+    QCOMPARE(iface->text(QAccessible::Name), QStringLiteral("start merge"));
 }
 
 void tst_VMBottomOptionWidget::clicksFollowEnabledState_data()
