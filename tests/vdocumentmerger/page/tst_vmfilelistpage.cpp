@@ -2,11 +2,13 @@
 #include <QAccessible>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QLocalSocket>
 #include <QMimeData>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "cloud/vmcloudhelper.h"
 #include "engine/vmprogressdlg.h"
 #include "fakeappaccount.h"
 #include "fakeappcontainer.h"
@@ -101,6 +103,9 @@ private:
     static QList<qint64> officeProcesses();
     void drop(VMClientWidget &client, const QStringList &paths);
 
+    // The drive service for one test, serving the signed-in user; stopped by its scope guard.
+    bool startDrive(QProcess &service);
+
     QTemporaryDir m_dir;
     FakeAppContainer m_app;
     FakeAppAccount m_account;
@@ -127,6 +132,10 @@ void tst_VMFileListPage::initTestCase()
         file.write("not a document");
     }
     QVERIFY(QFile::link(scratch(QStringLiteral("x.docx")), scratch(QStringLiteral("link.docx"))));
+
+    // The drive service runs only where a test starts it.
+    qputenv("DALO_DRIVE_SOCKET", QFile::encodeName(m_dir.path() + QStringLiteral("/drive.sock")));
+    qputenv("DALO_DRIVE_EXE", "/nonexistent/dalodrive");
 
     m_account.setLoggedIn(true);
     m_account.setUserId(QStringLiteral("u1"));
@@ -196,6 +205,26 @@ QList<qint64> tst_VMFileListPage::officeProcesses()
         }
     }
     return found;
+}
+
+bool tst_VMFileListPage::startDrive(QProcess &service)
+{
+    const QString socket = qEnvironmentVariable("DALO_DRIVE_SOCKET");
+    service.setProcessChannelMode(QProcess::ForwardedChannels);
+    service.start(QStringLiteral(DALODRIVE_EXE),
+                  {"--socket", socket, "--drive", m_dir.path() + QStringLiteral("/drive"), "--user", "u1",
+                   "--control-stdin", "--open-with", "true"});
+    if (!service.waitForStarted())
+        return false;
+    QLocalSocket probe;
+    for (QElapsedTimer waited; !waited.isValid() || waited.elapsed() < 5000; QTest::qWait(20)) {
+        if (!waited.isValid())
+            waited.start();
+        probe.connectToServer(socket);
+        if (probe.waitForConnected(100))
+            return true;
+    }
+    return false;
 }
 
 void tst_VMFileListPage::drop(VMClientWidget &client, const QStringList &paths)
@@ -354,17 +383,30 @@ void tst_VMFileListPage::limitAndFormat()
 void tst_VMFileListPage::mergeEndToEnd_data()
 {
     QTest::addColumn<int>("location");
+    QTest::addColumn<bool>("driveUp");
     QTest::addColumn<QString>("saveType");
 
-    QTest::newRow("next_to_first_file") << 0 << "first_file";
-    QTest::newRow("custom_folder") << 1 << "customize";
-    QTest::newRow("cloud_drive_down_saves_locally") << 2 << "first_file";
+    QTest::newRow("next_to_first_file") << 0 << false << "first_file";
+    QTest::newRow("custom_folder") << 1 << false << "customize";
+    QTest::newRow("cloud_drive") << 2 << true << "cloud";
+    QTest::newRow("cloud_drive_down_saves_locally") << 2 << false << "first_file";
 }
 
 void tst_VMFileListPage::mergeEndToEnd()
 {
     QFETCH(int, location);
+    QFETCH(bool, driveUp);
     QFETCH(QString, saveType);
+
+    QProcess drive;
+    auto stopDrive = qScopeGuard([&drive] {
+        drive.closeWriteChannel();
+        if (drive.state() != QProcess::NotRunning && !drive.waitForFinished(5000))
+            drive.kill();
+        drive.waitForFinished();
+    });
+    if (driveUp)
+        QVERIFY(startDrive(drive));
 
     const QString custom = m_dir.path() + QStringLiteral("/out/");
     VMEnv *env = VMEnv::instance();
@@ -438,12 +480,21 @@ void tst_VMFileListPage::mergeEndToEnd()
     const QString folder = location == 1 ? m_dir.path() + QStringLiteral("/out") : m_dir.path() + QStringLiteral("/docs");
     QString output = folder + QStringLiteral("/Merged.docx");
     if (location == 2) {
-        const QStringList made = QDir(folder).entryList({QStringLiteral("Merged_*.docx")});
-        QCOMPARE(made.size(), 1);
-        output = folder + QLatin1Char('/') + made.first();
-        QCOMPARE(driver.notices.first().title, QStringLiteral("Tips"));
-        QVERIFY2(driver.notices.first().content.endsWith(QStringLiteral(", automatically saved to:") + output),
-                 qPrintable(driver.notices.first().content));
+        // Made in the temporary root under a dated name, then uploaded or copied next to the first file.
+        const QString made = QStringLiteral("Merged_") + QDateTime::currentDateTime().toString("yyyyMMdd");
+        const QString cloudFolder = m_dir.path() + QStringLiteral("/drive/u1/") + VMCloudHelper::cloudFolderPath();
+        const QStringList found = QDir(driveUp ? cloudFolder : folder).entryList({made + QStringLiteral("*.docx")});
+        QCOMPARE(found.size(), 1);
+        output = (driveUp ? cloudFolder : folder) + QLatin1Char('/') + found.first();
+        if (driveUp) {
+            QCOMPARE(driver.notices.first().title, QStringLiteral("Merge complete"));
+            QCOMPARE(driver.notices.first().content,
+                     VMCloudHelper::cloudPathDisplayText() + QLatin1Char('/') + found.first());
+        } else {
+            QCOMPARE(driver.notices.first().title, QStringLiteral("Tips"));
+            QVERIFY2(driver.notices.first().content.endsWith(QStringLiteral(", automatically saved to:") + output),
+                     qPrintable(driver.notices.first().content));
+        }
     } else {
         QCOMPARE(driver.notices.first().title, QStringLiteral("Merge complete"));
         QCOMPARE(driver.notices.first().content, output);
@@ -454,7 +505,7 @@ void tst_VMFileListPage::mergeEndToEnd()
     QCOMPARE(table->itemCount(), 3);
     QCOMPARE(table->itemAt(2)->rangeFrom(), 2);
 
-    const QString popupType = location == 2 ? QStringLiteral("cloud_fail") : QStringLiteral("done");
+    const QString popupType = location == 2 && !driveUp ? QStringLiteral("cloud_fail") : QStringLiteral("done");
     QCOMPARE(eventParams(QStringLiteral("vas_wordmerge_click")), (QList<Params>{{{"type", "start_up"}}}));
     const QList<Params> popups = eventParams(QStringLiteral("vas_wordmerge_popup"));
     QVERIFY(popups.contains(Params{{"type", "processing"}, {"action", "show"}}));
