@@ -131,7 +131,6 @@ void tst_VMFileListPage::initTestCase()
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("not a document");
     }
-    QVERIFY(QFile::link(scratch(QStringLiteral("x.docx")), scratch(QStringLiteral("link.docx"))));
 
     // The drive service runs only where a test starts it.
     qputenv("DALO_DRIVE_SOCKET", QFile::encodeName(m_dir.path() + QStringLiteral("/drive.sock")));
@@ -252,12 +251,8 @@ void tst_VMFileListPage::intake_data()
 
     const QString a = scratch(QStringLiteral("a.doc"));
     const QString upperA = scratch(QStringLiteral("A.doc"));
-    const QString x = scratch(QStringLiteral("x.docx"));
     QTest::newRow("names_differing_in_case_are_two_files") << "drop" << QStringList{a, upperA}
                                                            << QStringList{a, upperA} << "drop";
-    QTest::newRow("one_file_by_three_paths")
-        << "drop" << QStringList{x, scratch(QStringLiteral("../scratch/x.docx")), scratch(QStringLiteral("link.docx"))}
-        << QStringList{x} << "drop";
     QTest::newRow("start_files_with_nbsp_and_query")
         << "start" << QStringList{scratch(QStringLiteral("My|nbsp|Files/r.doc?from=desk")), a}
         << QStringList{scratch(QStringLiteral("My Files/r.doc")), a} << "import";
@@ -265,8 +260,6 @@ void tst_VMFileListPage::intake_data()
         << "second" << QStringList{QStringLiteral("{\"file\":\"%1|%2\"}").arg(a, scratch(QStringLiteral("y.zyl")))}
         << QStringList{a, scratch(QStringLiteral("y.zyl"))} << "import";
     QTest::newRow("second_start_not_json") << "second" << QStringList{a} << QStringList() << QString();
-    QTest::newRow("second_start_without_file")
-        << "second" << QStringList{QStringLiteral("{\"files\":\"%1\"}").arg(a)} << QStringList() << QString();
 }
 
 void tst_VMFileListPage::intake()
