@@ -107,6 +107,8 @@ private:
     bool startDrive(QProcess &service);
 
     QTemporaryDir m_dir;
+    // Local socket names are limited in length; the test's own folder may be too deep.
+    QTemporaryDir m_socketDir{QStringLiteral("/tmp/vdm-XXXXXX")};
     FakeAppContainer m_app;
     FakeAppAccount m_account;
     FakeMainWindow *m_window = nullptr;
@@ -133,7 +135,8 @@ void tst_VMFileListPage::initTestCase()
     }
 
     // The drive service runs only where a test starts it.
-    qputenv("DALO_DRIVE_SOCKET", QFile::encodeName(m_dir.path() + QStringLiteral("/drive.sock")));
+    QVERIFY(m_socketDir.isValid());
+    qputenv("DALO_DRIVE_SOCKET", QFile::encodeName(m_socketDir.path() + QStringLiteral("/drive.sock")));
     qputenv("DALO_DRIVE_EXE", "/nonexistent/dalodrive");
 
     m_account.setLoggedIn(true);
