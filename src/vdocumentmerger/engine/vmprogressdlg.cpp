@@ -36,11 +36,6 @@ QTime VMProgressDlg::showTime() const
     return m_showTime;
 }
 
-Progress *VMProgressDlg::progressBar() const
-{
-    return m_progress;
-}
-
 void VMProgressDlg::done(int r)
 {
     QDialog::done(r);

@@ -22,7 +22,6 @@ public:
     void setProgress(int value);
     // When the dialog was last shown.
     QTime showTime() const;
-    Progress *progressBar() const;
 
 protected slots:
     void done(int r) override;

@@ -10,13 +10,6 @@ public:
     explicit VMCheckBox(QWidget *parent = nullptr);
     explicit VMCheckBox(const QString &text, QWidget *parent = nullptr);
 
-    // The image name and icon mode/state the indicator is drawn with for a style state.
-    struct Indicator {
-        QString iconName;
-        QIcon::Mode mode = QIcon::Normal;
-        QIcon::State state = QIcon::Off;
-    };
-    static Indicator indicatorFor(QStyle::State state);
 
 protected:
     void drawIndicator(QPainter *painter, const QStyleOption *option, const QRect &rect) override;

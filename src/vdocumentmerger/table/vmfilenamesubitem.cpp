@@ -27,7 +27,11 @@ VMFileNameSubItem::VMFileNameSubItem(QWidget *parent)
     m_nameLabel->setMaximumWidth(int(VLiteStyle::dpiScaled(294)));
     m_nameLabel->setFixedHeight(int(VLiteStyle::dpiScaled(22)));
     m_nameLabel->applyThemeClass(QStringLiteral("VMCommonText02_Label"));
-    layout->addWidget(m_nameLabel);
+    // The label takes the room up to its maximum width and the rest goes to the right: the
+    // box layout would otherwise centre the check box and the name in wider slots, off the
+    // header's column.
+    layout->addWidget(m_nameLabel, 1);
+    layout->addStretch();
 
     connect(m_checkBox, &VMCheckBox::clicked, this, &VMFileNameSubItem::sigCkbClicked);
     connect(m_checkBox, &VMCheckBox::stateChanged, this, &VMFileNameSubItem::sigCkbStateChanged);

@@ -79,7 +79,7 @@ void VMFileTableContentArea::addItem(QWidget *row)
         return;
     const int before = itemCount();
     m_view->boxLayout()->addWidget(row);
-    m_view->adjustSize();
+    scheduleViewAdjust();
     const int after = itemCount();
     if (after == before)
         return;
@@ -95,7 +95,7 @@ void VMFileTableContentArea::removeItem(QWidget *row)
     const int before = itemCount();
     m_view->boxLayout()->removeWidget(row);
     row->hide();
-    m_view->adjustSize();
+    scheduleViewAdjust();
     const int after = itemCount();
     if (after == before)
         return;
@@ -116,6 +116,19 @@ QWidget *VMFileTableContentArea::itemAt(int index) const
     const int indicator = dropIndicatorIndex();
     const int layoutIndex = indicator >= 0 && indicator <= index ? index + 1 : index;
     return m_view->boxLayout()->itemAt(layoutIndex)->widget();
+}
+
+QList<QWidget *> VMFileTableContentArea::items() const
+{
+    const QVBoxLayout *layout = m_view->boxLayout();
+    QList<QWidget *> result;
+    result.reserve(layout->count());
+    for (int i = 0; i < layout->count(); ++i) {
+        QWidget *widget = layout->itemAt(i)->widget();
+        if (widget && widget != m_dropIndicator)
+            result.append(widget);
+    }
+    return result;
 }
 
 void VMFileTableContentArea::sortItems(const std::function<bool(QWidget *, QWidget *)> &lessThan)
@@ -145,13 +158,11 @@ QWidget *VMFileTableContentArea::rowForPayload(const QMimeData *data) const
     if (!ok || address == 0)
         return nullptr;
     // Compared as numbers: a payload from elsewhere is never turned into a pointer.
-    const QVBoxLayout *layout = m_view->boxLayout();
-    for (int i = 0; i < layout->count(); ++i) {
-        QWidget *widget = layout->itemAt(i)->widget();
-        if (widget && widget != m_dropIndicator && reinterpret_cast<quintptr>(widget) == address)
-            return widget;
-    }
-    return nullptr;
+    const QList<QWidget *> rows = items();
+    const auto found = std::find_if(rows.cbegin(), rows.cend(), [address](const QWidget *row) {
+        return reinterpret_cast<quintptr>(row) == address;
+    });
+    return found != rows.cend() ? *found : nullptr;
 }
 
 int VMFileTableContentArea::dropIndexAt(const QPoint &point) const
@@ -298,7 +309,23 @@ void VMFileTableContentArea::takeDropIndicator()
         return;
     m_dropIndicator->hide();
     m_view->boxLayout()->removeWidget(m_dropIndicator);
-    m_view->adjustSize();
+    scheduleViewAdjust();
+}
+
+void VMFileTableContentArea::scheduleViewAdjust()
+{
+    // Once per batch: resizing the view lays out every row, so doing it for each of 100
+    // rows added or removed in one go would hold the GUI thread for far too long.
+    if (m_viewAdjustPending)
+        return;
+    m_viewAdjustPending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_viewAdjustPending = false;
+            m_view->adjustSize();
+        },
+        Qt::QueuedConnection);
 }
 
 void VMFileTableContentArea::scrollWhileDragging(QWidget *row, int sourceIndex, int dropIndex, int y)

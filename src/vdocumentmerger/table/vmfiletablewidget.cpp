@@ -1,5 +1,7 @@
 #include "table/vmfiletablewidget.h"
 
+#include <algorithm>
+
 #include <QFileInfo>
 #include <QVariant>
 #include <QVBoxLayout>
@@ -35,7 +37,9 @@ VMFileTableWidget::VMFileTableWidget(QWidget *parent)
 
 VMFifleTableContentItem *VMFileTableWidget::addFile(const QString &path)
 {
-    auto *item = new VMFifleTableContentItem(this);
+    // Built inside the list's view: reparenting it there afterwards would restyle every
+    // widget of the row a second time under the list's style sheet.
+    auto *item = new VMFifleTableContentItem(m_contentArea->widget());
     item->setFilePath(path);
     item->setChecked(m_newItemChecked);
     attachItem(item);
@@ -66,12 +70,23 @@ VMFifleTableContentItem *VMFileTableWidget::itemAt(int index) const
     return qobject_cast<VMFifleTableContentItem *>(m_contentArea->itemAt(index));
 }
 
+QList<VMFifleTableContentItem *> VMFileTableWidget::rows() const
+{
+    QList<VMFifleTableContentItem *> result;
+    const QList<QWidget *> items = m_contentArea->items();
+    result.reserve(items.size());
+    for (QWidget *widget : items) {
+        if (auto *item = qobject_cast<VMFifleTableContentItem *>(widget))
+            result.append(item);
+    }
+    return result;
+}
+
 VMFifleTableContentItem *VMFileTableWidget::findItem(const QString &path) const
 {
     const QFileInfo wanted(path);
-    for (int i = 0; i < itemCount(); ++i) {
-        VMFifleTableContentItem *item = itemAt(i);
-        if (item && QFileInfo(item->filePath()) == wanted)
+    for (VMFifleTableContentItem *item : rows()) {
+        if (QFileInfo(item->filePath()) == wanted)
             return item;
     }
     return nullptr;
@@ -79,27 +94,26 @@ VMFifleTableContentItem *VMFileTableWidget::findItem(const QString &path) const
 
 void VMFileTableWidget::itemsForPaths(const QStringList &paths, QList<VMFifleTableContentItem *> &out) const
 {
-    for (int i = 0; i < itemCount(); ++i) {
-        VMFifleTableContentItem *item = itemAt(i);
-        if (item && paths.contains(item->filePath()))
+    for (VMFifleTableContentItem *item : rows()) {
+        if (paths.contains(item->filePath()))
             out.append(item);
     }
 }
 
 void VMFileTableWidget::checkedItems(QList<VMFifleTableContentItem *> &out) const
 {
-    for (int i = 0; i < itemCount(); ++i) {
-        VMFifleTableContentItem *item = itemAt(i);
-        if (item && item->isChecked())
+    for (VMFifleTableContentItem *item : rows()) {
+        if (item->isChecked())
             out.append(item);
     }
 }
 
 int VMFileTableWidget::checkedCount() const
 {
-    QList<VMFifleTableContentItem *> checked;
-    checkedItems(checked);
-    return checked.size();
+    const QList<VMFifleTableContentItem *> all = rows();
+    return int(std::count_if(all.cbegin(), all.cend(), [](const VMFifleTableContentItem *item) {
+        return item->isChecked();
+    }));
 }
 
 void VMFileTableWidget::removeSelected()
@@ -135,20 +149,16 @@ VMFileTableContentArea *VMFileTableWidget::contentArea() const
 void VMFileTableWidget::onHeaderSelectClicked(bool checked)
 {
     m_header->setTristate(false);
-    for (int i = 0; i < itemCount(); ++i) {
-        if (VMFifleTableContentItem *item = itemAt(i))
-            item->setChecked(checked);
-    }
+    for (VMFifleTableContentItem *item : rows())
+        item->setChecked(checked);
     m_header->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
     emit sigBatchCheckClicked();
 }
 
 void VMFileTableWidget::onInvertSelectionClicked()
 {
-    for (int i = 0; i < itemCount(); ++i) {
-        if (VMFifleTableContentItem *item = itemAt(i))
-            item->setChecked(!item->isChecked());
-    }
+    for (VMFifleTableContentItem *item : rows())
+        item->setChecked(!item->isChecked());
     updateHeaderCheckState();
     emit sigBatchCheckClicked();
 }

@@ -19,7 +19,7 @@ class VDOCUMENTMERGER_EXPORT VMFileTableWidget : public QWidget {
 public:
     explicit VMFileTableWidget(QWidget *parent = nullptr);
 
-    // The new row is owned by the table.
+    // The new row is owned by the table's content area.
     VMFifleTableContentItem *addFile(const QString &path);
     int itemCount() const;
     // Null for indexes out of range.
@@ -68,6 +68,7 @@ public slots:
 
 private:
     void attachItem(VMFifleTableContentItem *item);
+    QList<VMFifleTableContentItem *> rows() const;
 
     VMFileTableHeader *m_header = nullptr;
     VMFileTableContentArea *m_contentArea = nullptr;

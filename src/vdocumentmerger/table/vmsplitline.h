@@ -8,7 +8,7 @@
 class VDOCUMENTMERGER_EXPORT VMSplitLine : public QWidget {
     Q_OBJECT
 public:
-    // dotDiameter and lineThickness in device pixels, already scaled by the caller.
+    // dotDiameter and lineThickness are already DPI-scaled by the caller.
     VMSplitLine(QWidget *parent, int dotDiameter, int lineThickness);
 
 protected:

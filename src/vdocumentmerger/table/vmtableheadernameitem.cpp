@@ -28,6 +28,7 @@ VMTableHeaderNameItem::VMTableHeaderNameItem(QWidget *parent)
 
     m_sortButton = new VMSortStateButton(this);
     m_sortButton->setFixedSize(VLiteStyle::dpiScaledSize(20, 20));
+    m_sortButton->setIconSize(VLiteStyle::dpiScaledSize(16, 16));
     m_sortButton->setToolTip(tr("Sort by file name"));
     m_sortButton->setAccessibleName(m_sortButton->toolTip());
     m_sortButton->applyThemeClass(QStringLiteral("VLiteButton_Status"));
@@ -43,7 +44,6 @@ VMTableHeaderNameItem::VMTableHeaderNameItem(QWidget *parent)
     m_invertSelection = new VLiteClickableLabel(tr("Invert Selection"), this);
     m_invertSelection->applyThemeClass(QStringLiteral("VMTableHeaderInvertSelect"));
     m_invertSelection->setUnderlineMode(VLiteClickableLabel::UnderlineOnHover);
-    m_invertSelection->setAccessibleName(m_invertSelection->text());
     layout->addWidget(m_invertSelection);
     layout->addStretch();
 

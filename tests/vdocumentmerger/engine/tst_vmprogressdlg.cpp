@@ -2,7 +2,6 @@
 #include <QPointer>
 #include <QtTest>
 
-#include "engine/progress.h"
 #include "engine/vmprogressdlg.h"
 #include "fakeappcontainer.h"
 #include "fakemainwindow.h"
@@ -73,7 +72,6 @@ void tst_VMProgressDlg::content_data()
     QTest::addColumn<QString>("text");
     const QString plain = QStringLiteral("Merging, please wait...");
     const QString large = QStringLiteral("Merging, the total number of merged pages is large, Please wait...");
-    QTest::newRow("0_pages") << 0 << plain;
     QTest::newRow("999_pages") << 999 << plain;
     QTest::newRow("1000_pages") << 1000 << large;
     QTest::newRow("25000_pages") << 25000 << large;
@@ -97,13 +95,6 @@ void tst_VMProgressDlg::content()
     QVERIFY(!dialog->isButtonVisible(VLiteContentDlg::BtnConfirm));
     QVERIFY(dialog->showTime() >= before);
     QCOMPARE(popupActions(), QStringList{QStringLiteral("show")});
-
-    Progress *bar = dialog->progressBar();
-    QVERIFY(bar->isVisible());
-    QCOMPARE(bar->value(), -1);
-    dialog->setProgress(42);
-    QCOMPARE(bar->value(), 42);
-    QCOMPARE(bar->themeClassName(), QStringLiteral("VMProgress"));
     dialog->accept();
     QTRY_VERIFY(dialog.isNull());
 }

@@ -58,7 +58,6 @@ private slots:
     void init();
     void cleanup();
 
-    void newRowIsLoading();
     void rangeRules_data();
     void rangeRules();
     void looks();
@@ -76,10 +75,9 @@ private:
 
     FakeAppContainer m_app;
     FakeMainWindow *m_mainWindow = nullptr;
-    QWidget *m_window = nullptr;
+    QScrollArea *m_list = nullptr;
     VMFifleTableContentItem *m_row = nullptr;
     QTimer *m_answerTimer = nullptr;
-    QString m_dialogTitle;
     QString m_dialogContent;
 };
 
@@ -97,22 +95,26 @@ void tst_VMFifleTableContentItem::cleanupTestCase()
 
 void tst_VMFifleTableContentItem::init()
 {
-    m_window = new QWidget;
-    auto *layout = new QVBoxLayout(m_window);
-    m_row = new VMFifleTableContentItem(m_window);
+    // A list taller than its window, as the table's.
+    m_list = new QScrollArea;
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    m_row = new VMFifleTableContentItem(content);
     layout->addWidget(m_row);
-    m_window->resize(int(VLiteStyle::dpiScaled(900)), m_row->height() + 20);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    layout->addSpacing(2000);
+    m_list->setWidget(content);
+    m_list->setWidgetResizable(true);
+    m_list->resize(int(VLiteStyle::dpiScaled(900)), 300);
+    m_list->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_list));
     m_app.clearEvents();
 }
 
 void tst_VMFifleTableContentItem::cleanup()
 {
-    delete m_window;
+    delete m_list;
     delete m_answerTimer;
     m_answerTimer = nullptr;
-    m_dialogTitle.clear();
     m_dialogContent.clear();
 }
 
@@ -124,7 +126,6 @@ void tst_VMFifleTableContentItem::answerNextDialog(bool confirm)
         if (!dialog)
             return;
         m_answerTimer->stop();
-        m_dialogTitle = dialog->title();
         m_dialogContent = dialog->content();
         if (confirm)
             dialog->button(VLiteContentDlg::BtnConfirm)->click();
@@ -132,17 +133,6 @@ void tst_VMFifleTableContentItem::answerNextDialog(bool confirm)
             QTest::keyClick(dialog, Qt::Key_Escape);
     });
     m_answerTimer->start(10);
-}
-
-void tst_VMFifleTableContentItem::newRowIsLoading()
-{
-    QCOMPARE(m_row->pagesSubItem()->countLabel()->text(), QStringLiteral("-"));
-    QCOMPARE(m_row->pageCount(), 0);
-    QCOMPARE(m_row->rangeFrom(), 1);
-    QCOMPARE(m_row->rangeTo(), 1);
-    QVERIFY(m_row->isLoading());
-    QVERIFY(!m_row->isReadSuccess());
-    QVERIFY(!m_row->isRangeInitialized());
 }
 
 void tst_VMFifleTableContentItem::rangeRules_data()
@@ -158,9 +148,7 @@ void tst_VMFifleTableContentItem::rangeRules_data()
     QTest::newRow("first_count_fills_range") << QList<int>{12} << 0 << 0 << 12 << 1 << 12;
     QTest::newRow("reload_12_then_4_keeps_3_to_4") << QList<int>{12, 4} << 3 << 5 << 4 << 3 << 4;
     QTest::newRow("reload_widens_keeps_values") << QList<int>{4, 12} << 2 << 3 << 12 << 2 << 3;
-    QTest::newRow("reload_does_not_refill") << QList<int>{4, 12} << 0 << 0 << 12 << 1 << 4;
     QTest::newRow("count_0_gives_1_to_1") << QList<int>{0} << 0 << 0 << 1 << 1 << 1;
-    QTest::newRow("count_1") << QList<int>{1} << 0 << 0 << 1 << 1 << 1;
     QTest::newRow("several_thousand") << QList<int>{4321} << 0 << 0 << 4321 << 1 << 4321;
     QTest::newRow("first_greater_than_last_kept") << QList<int>{12, 9} << 7 << 2 << 9 << 7 << 2;
     QTest::newRow("entry_beyond_count_clamped") << QList<int>{12} << 20 << 30 << 12 << 12 << 12;
@@ -187,8 +175,6 @@ void tst_VMFifleTableContentItem::rangeRules()
     }
     QSpinBox *first = m_row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
     QSpinBox *last = m_row->outputRangeSubItem()->rangeWidget()->toSpinBox();
-    QCOMPARE(m_row->pageCount(), counts.last());
-    QCOMPARE(first->minimum(), 1);
     QCOMPARE(first->maximum(), max);
     QCOMPARE(last->maximum(), max);
     QCOMPARE(m_row->rangeFrom(), from);
@@ -211,10 +197,11 @@ void tst_VMFifleTableContentItem::looks()
     QVERIFY(reload.isValid());
 
     // Loading.
-    QCOMPARE(pages->currentIndex(), 0);
+    QCOMPARE(pages->countLabel()->text(), QStringLiteral("-"));
+    QCOMPARE(m_row->pageCount(), 0);
     QCOMPARE(range->currentIndex(), 0);
-    QVERIFY(name->isEnabled());
     QVERIFY(m_row->isLoading());
+    QVERIFY(name->isEnabled());
 
     // Read failed: still dots, greyed name, the reasons on "read fail".
     m_row->setReadSuccess(false);
@@ -244,12 +231,6 @@ void tst_VMFifleTableContentItem::looks()
     QVERIFY(!m_row->isLoading());
     QVERIFY(name->isEnabled());
     QVERIFY(m_row->isReadSuccess());
-
-    // A later failure keeps the range the user had.
-    m_row->setReadSuccess(false);
-    QCOMPARE(range->currentIndex(), 0);
-    QCOMPARE(m_row->rangeTo(), 7);
-    QCOMPARE(reload.count(), 1);
 }
 
 void tst_VMFifleTableContentItem::names_data()
@@ -279,31 +260,19 @@ void tst_VMFifleTableContentItem::names()
 
 void tst_VMFifleTableContentItem::wheelScrollsListNotSpinBox()
 {
-    QScrollArea area;
-    auto *content = new QWidget;
-    auto *layout = new QVBoxLayout(content);
-    auto *row = new VMFifleTableContentItem(content);
-    layout->addWidget(row);
-    layout->addSpacing(2000);
-    area.setWidget(content);
-    area.setWidgetResizable(true);
-    area.resize(int(VLiteStyle::dpiScaled(900)), 300);
-    area.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&area));
-    applyCount(row, 12);
-    row->setRangeFrom(5);
-
-    QSpinBox *first = row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
+    applyCount(m_row, 12);
+    m_row->setRangeFrom(5);
+    QSpinBox *first = m_row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
     const QPoint centre = first->rect().center();
     QWheelEvent wheel(centre, first->mapToGlobal(centre), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     // As the window system delivers it (sendEvent() would make it non-spontaneous, which is
     // never handed on to the parents).
     QSpontaneKeyEvent::setSpontaneous(&wheel);
-    QCOMPARE(area.verticalScrollBar()->value(), 0);
+    QCOMPARE(m_list->verticalScrollBar()->value(), 0);
     qApp->notify(first, &wheel);
-    QCOMPARE(row->rangeFrom(), 5);
-    QVERIFY(area.verticalScrollBar()->value() > 0);
+    QCOMPARE(m_row->rangeFrom(), 5);
+    QVERIFY(m_list->verticalScrollBar()->value() > 0);
 }
 
 void tst_VMFifleTableContentItem::dragStart_data()
@@ -318,7 +287,6 @@ void tst_VMFifleTableContentItem::dragStart_data()
         QTest::addRow("%s_left", qPrintable(target)) << target << left << 1;
         QTest::addRow("%s_right", qPrintable(target)) << target << right << 0;
         QTest::addRow("%s_left_and_right", qPrintable(target)) << target << (left | right) << 0;
-        QTest::addRow("%s_no_button", qPrintable(target)) << target << 0 << 0;
     }
 }
 
@@ -351,10 +319,7 @@ void tst_VMFifleTableContentItem::openMissingDocument_data()
     QTest::newRow("vanished_open_folder_escape") << "folder" << "vanished" << false << "click_close";
     QTest::newRow("path_needing_escapes_open_folder")
         << "folder" << "/tmp/no such \"dir\"/it's a&b; $(x) %20.docx" << true << "click_well";
-    QTest::newRow("path_needing_escapes_open_file") << "file" << "/tmp/no such dir/`rm -rf`|x.doc" << false
-                                                    << "click_close";
     QTest::newRow("empty_path_open_file") << "file" << "" << true << "";
-    QTest::newRow("empty_path_open_folder") << "folder" << "" << true << "";
 }
 
 void tst_VMFifleTableContentItem::openMissingDocument()
@@ -383,7 +348,6 @@ void tst_VMFifleTableContentItem::openMissingDocument()
 
     QList<FakeAppContainer::Event> expected{{"vas_wordmerge_click", Params{{"type", kind}}}};
     if (!closedAs.isEmpty()) {
-        QCOMPARE(m_dialogTitle, QStringLiteral("Tips"));
         QCOMPARE(m_dialogContent, QStringLiteral("The document does not exist. It may be removed or renamed"));
         expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", "show"}}});
         expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", closedAs}}});

@@ -5,7 +5,6 @@
 #include <QtTest>
 
 #include "table/vmfiletablecontentarea.h"
-#include "table/vmfiletablereorder.h"
 
 // Rows here are plain widgets named R1, R2, ...: the area lays out and moves any widget.
 class tst_VMFileTableContentArea : public QObject {
@@ -20,10 +19,7 @@ private slots:
     void removeItem();
     void dragMoveShowsIndicatorOnlyForOwnRows_data();
     void dragMoveShowsIndicatorOnlyForOwnRows();
-    void overlayScrollBarFollowsRange();
-
-private:
-    static QStringList names(const VMFileTableContentArea &area);
+    void overlayScrollBarAndDragScrolling();
 };
 
 namespace {
@@ -52,22 +48,31 @@ bool showArea(VMFileTableContentArea &area, int height = 400)
     return QTest::qWaitForWindowExposed(&area);
 }
 
-QMimeData *payload(const QByteArray &bytes)
+QByteArray addressOf(const QWidget *widget)
 {
-    auto *data = new QMimeData;
-    data->setData(QLatin1String(VMFileTableContentArea::ItemMimeType), bytes);
-    return data;
+    return QByteArray::number(quint64(reinterpret_cast<quintptr>(widget)));
 }
 
-} // namespace
+// A drag entering the list and moving to height y, as the platform's drag would send it.
+void dragOver(VMFileTableContentArea &area, const QByteArray &payload, int y)
+{
+    QMimeData data;
+    data.setData(QLatin1String(VMFileTableContentArea::ItemMimeType), payload);
+    QDragEnterEvent enter(QPoint(100, y), Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &enter);
+    QDragMoveEvent move(QPoint(100, y), Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(area.viewport(), &move);
+}
 
-QStringList tst_VMFileTableContentArea::names(const VMFileTableContentArea &area)
+QStringList names(const VMFileTableContentArea &area)
 {
     QStringList result;
     for (int i = 0; i < area.itemCount(); ++i)
         result << area.itemAt(i)->objectName();
     return result;
 }
+
+} // namespace
 
 void tst_VMFileTableContentArea::dropIndex_data()
 {
@@ -93,21 +98,6 @@ void tst_VMFileTableContentArea::dropIndex()
     QFETCH(int, indicatorRow);
     QFETCH(int, y);
     QFETCH(int, expected);
-
-    // Once through the plain arithmetic, once through the laid-out area.
-    QVector<VMFileTableReorder::Entry> entries;
-    int top = 0;
-    for (int i = 0; i <= 3; ++i) {
-        if (i == indicatorRow) {
-            entries.append({QRect(0, top, 600, 5), true});
-            top += 5;
-        }
-        if (i < 3) {
-            entries.append({QRect(0, top, 600, RowHeight), true});
-            top += RowHeight;
-        }
-    }
-    QCOMPARE(VMFileTableReorder::dropIndex(entries, indicatorRow, y), expected);
 
     VMFileTableContentArea area;
     fill(area, 3);
@@ -232,26 +222,11 @@ void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows()
     QWidget stranger;
     QVERIFY(showArea(area));
 
-    const auto number = [](const QWidget *w) { return QByteArray::number(quint64(reinterpret_cast<quintptr>(w))); };
-    QByteArray bytes;
-    if (kind == "own")
-        bytes = number(area.itemAt(0));
-    else if (kind == "stranger")
-        bytes = number(&stranger);
-    else if (kind == "other_list")
-        bytes = number(otherRow);
-    else if (kind == "made_up")
-        bytes = "12345678";
-    else if (kind == "zero")
-        bytes = "0";
-    else
-        bytes = "R1";
-    QScopedPointer<QMimeData> data(payload(bytes));
-
-    QDragEnterEvent enter(QPoint(100, 140), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(area.viewport(), &enter);
-    QDragMoveEvent move(QPoint(100, 140), Qt::MoveAction, data.data(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(area.viewport(), &move);
+    const QHash<QString, QByteArray> payloads{
+        {"own", addressOf(area.itemAt(0))}, {"stranger", addressOf(&stranger)}, {"other_list", addressOf(otherRow)},
+        {"made_up", "12345678"},          {"zero", "0"},                       {"text", "R1"},
+    };
+    dragOver(area, payloads.value(kind), 140);
     QCOMPARE(area.dropIndicatorIndex(), shown ? 3 : -1);
     QCOMPARE(area.itemCount(), 3);
 
@@ -263,23 +238,35 @@ void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows()
     QVERIFY(!filesEnter.isAccepted());
 }
 
-void tst_VMFileTableContentArea::overlayScrollBarFollowsRange()
+void tst_VMFileTableContentArea::overlayScrollBarAndDragScrolling()
 {
     VMFileTableContentArea area;
     fill(area, 3);
-    QVERIFY(showArea(area, 300));
+    QVERIFY(showArea(area, 3 * RowHeight + RowHeight / 2));
     auto *overlay = area.viewport()->findChild<QScrollBar *>();
     QVERIFY(overlay);
-    QVERIFY(!area.verticalScrollBar()->isVisible());
     QVERIFY(!overlay->isVisible());
 
-    fill(area, 5);
-    QTRY_VERIFY(overlay->isVisible());
-    QCOMPARE(overlay->maximum(), area.verticalScrollBar()->maximum());
+    fill(area, 7);
+    QScrollBar *bar = area.verticalScrollBar();
+    QTRY_COMPARE(bar->maximum(), 10 * RowHeight - area.viewport()->height());
+    QVERIFY(overlay->isVisible());
+    QVERIFY(!bar->isVisible());
+    QCOMPARE(overlay->maximum(), bar->maximum());
     QCOMPARE(overlay->geometry().right(), area.viewport()->width() - 1);
-    overlay->setValue(overlay->maximum());
-    QCOMPARE(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
     QCOMPARE(area.widget()->width(), area.viewport()->width());
+
+    // Dragging within half a row of the bottom edge scrolls down, of the top edge up, and
+    // in between not at all.
+    const QByteArray row = addressOf(area.itemAt(5));
+    dragOver(area, row, area.height() - 10);
+    const int scrolledDown = bar->value();
+    QVERIFY(scrolledDown > 0);
+    QCOMPARE(overlay->value(), scrolledDown);
+    dragOver(area, row, area.height() / 2);
+    QCOMPARE(bar->value(), scrolledDown);
+    dragOver(area, row, 10);
+    QVERIFY(bar->value() < scrolledDown);
 }
 
 QTEST_MAIN(tst_VMFileTableContentArea)
