@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryFile>
 #include <QUrl>
@@ -149,7 +150,7 @@ bool DaloDrive::splitCloudPath(const std::string &cloudPath, QStringList *parts)
         || path.startsWith(QLatin1Char('\\')) || (path.size() > 1 && path.at(1) == QLatin1Char(':')))
         return false;
     parts->clear();
-    const QStringList steps = path.split(QRegExp(QStringLiteral("[/\\\\]")), Qt::SkipEmptyParts);
+    const QStringList steps = path.split(QRegularExpression(QStringLiteral("[/\\\\]")), Qt::SkipEmptyParts);
     for (const QString &step : steps) {
         if (step == QLatin1String(".."))
             return false;

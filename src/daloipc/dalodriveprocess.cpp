@@ -1,7 +1,10 @@
 #include "dalodriveprocess.h"
 
+#include <QElapsedTimer>
+#include <QLocalSocket>
 #include <QLoggingCategory>
 #include <QProcess>
+#include <QThread>
 #include <QUrl>
 
 #include "daloconfig.h"
@@ -11,6 +14,7 @@ Q_LOGGING_CATEGORY(lcDaloDriveProcess, "daloipc.driveprocess", QtInfoMsg)
 namespace {
 
 const int kStopWaitMs = 3000;
+const int kListenWaitMs = 3000;
 
 QStringList baseArguments()
 {
@@ -47,7 +51,19 @@ bool DaloDriveProcess::start(const QString &userId)
         m_process = nullptr;
         return false;
     }
-    qCInfo(lcDaloDriveProcess) << "drive service started on" << DaloConfig::socketName();
+    // Requests sent before it listens would start a second service of their own.
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < kListenWaitMs && m_process->state() == QProcess::Running) {
+        QLocalSocket probe;
+        probe.connectToServer(DaloConfig::socketName());
+        if (probe.waitForConnected(kListenWaitMs)) {
+            qCInfo(lcDaloDriveProcess) << "drive service listens on" << DaloConfig::socketName();
+            return true;
+        }
+        QThread::msleep(20);
+    }
+    qCWarning(lcDaloDriveProcess) << "the drive service does not listen on" << DaloConfig::socketName();
     return true;
 }
 

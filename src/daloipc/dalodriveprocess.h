@@ -17,8 +17,8 @@ public:
     ~DaloDriveProcess() override;
 
     // Starts the service on DaloConfig's socket and drive root, taking the socket over from a
-    // service that may hold it. userId empty: nobody is signed in. Returns false and sets
-    // errorString() when the program did not start.
+    // service that may hold it, and waits a moment for it to listen. userId empty: nobody is
+    // signed in. Returns false and sets errorString() when the program did not start.
     bool start(const QString &userId);
     void setUser(const QString &userId);
     // Closes the service's input, which ends it; kills it when it does not end soon.

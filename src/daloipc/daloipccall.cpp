@@ -2,7 +2,6 @@
 
 #include <QLocalSocket>
 #include <QLoggingCategory>
-#include <QMetaMethod>
 #include <QMetaObject>
 #include <QTimer>
 

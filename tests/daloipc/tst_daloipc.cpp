@@ -7,6 +7,7 @@
 #include <csignal>
 
 #include "daloconfig.h"
+#include "dalodriveprocess.h"
 #include "daloframe.h"
 #include "dalorecords.h"
 #include "host/daloipc.h"
@@ -292,18 +293,27 @@ void tst_DaloIpc::openAndCache()
 
 void tst_DaloIpc::followsTheSignedInUser()
 {
-    QVERIFY(startService("alice"));
+    DaloDriveProcess drive;
+    QVERIFY2(drive.start("alice"), qPrintable(drive.errorString()));
     Receiver receiver;
-    m_service->write("signout\n");
-    QTRY_VERIFY_WITH_TIMEOUT((upload(receiver, "alice", "c", {m_source}), waitForReply(receiver).code
-                              == int(DaloResultCode::FailedOnNotLogined)), 5000);
-    m_service->write("user b%C3%B6b\n");
-    QTRY_VERIFY_WITH_TIMEOUT((upload(receiver, "alice", "c", {m_source}), waitForReply(receiver).code
-                              == int(DaloResultCode::FailedOnAccountChanged)), 5000);
-    upload(receiver, QString::fromUtf8("b\xc3\xb6" "b"), "c", {m_source});
-    QCOMPARE(waitForReply(receiver).code, int(DaloResultCode::Succeeded));
+    const QString bob = QString::fromUtf8("b\xc3\xb6" "b");
+    const auto uploadAs = [&](const QString &user) {
+        upload(receiver, user, "c", {m_source});
+        return waitForReply(receiver).code;
+    };
+    drive.setUser(QString());
+    QTRY_COMPARE_WITH_TIMEOUT(uploadAs("alice"), int(DaloResultCode::FailedOnNotLogined), 5000);
+    drive.setUser(bob);
+    QTRY_COMPARE_WITH_TIMEOUT(uploadAs("alice"), int(DaloResultCode::FailedOnAccountChanged), 5000);
+    QCOMPARE(uploadAs(bob), int(DaloResultCode::Succeeded));
     QVERIFY(QFileInfo::exists(m_dir->path() + "/drive/b%C3%B6b/c/a.docx"));
     QVERIFY(!QFileInfo::exists(userFolder("alice")));
+
+    drive.stop();
+    QVERIFY(!drive.isRunning());
+    QLocalSocket probe;
+    probe.connectToServer(DaloConfig::socketName());
+    QVERIFY(!probe.waitForConnected(100));
 }
 
 void tst_DaloIpc::unreadableRequestsKeepTheServiceRunning()

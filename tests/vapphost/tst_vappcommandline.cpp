@@ -105,6 +105,7 @@ void tst_VAppCommandLine::invalidArguments_data()
     QTest::newRow("screenshot_empty_path") << QStringList{"--screenshot", ""} << "screenshot";
     QTest::newRow("addon_empty_path") << QStringList{"--addon="} << "addon";
     QTest::newRow("usage_log_empty_path") << QStringList{"--usage-log", ""} << "usage-log";
+    QTest::newRow("drive_empty_path") << QStringList{"--drive", ""} << "drive";
 }
 
 void tst_VAppCommandLine::invalidArguments()
