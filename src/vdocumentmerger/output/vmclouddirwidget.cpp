@@ -15,6 +15,8 @@ VMCloudDirWidget::VMCloudDirWidget(QWidget *parent)
     layout->setSpacing(int(VLiteStyle::dpiScaled(6)));
 
     m_textLabel = new VLiteLabel(VMCloudHelper::cloudPathDisplayText(), this);
+    // The same look as the custom folder's path on the page beside it.
+    m_textLabel->applyThemeClass(QStringLiteral("VStyleLabel"));
     layout->addWidget(m_textLabel);
 
     m_openButton = new VLiteButton(QObject::tr("open folder"), this);

@@ -48,21 +48,15 @@ VMCustomDirWidget::VMCustomDirWidget(QWidget *parent)
     connect(m_browseButton, &VLiteButton::clicked, this, &VMCustomDirWidget::onBrowse);
 }
 
-QString VMCustomDirWidget::normalizedDir(const QString &chosen)
-{
-    QString dir = QDir::toNativeSeparators(chosen);
-    if (!dir.isEmpty() && !dir.endsWith(QDir::separator()))
-        dir += QDir::separator();
-    return dir;
-}
-
 void VMCustomDirWidget::onBrowse()
 {
-    const QString dir = normalizedDir(QFileDialog::getExistingDirectory(
+    QString dir = QDir::toNativeSeparators(QFileDialog::getExistingDirectory(
         this, tr("Select Path"), m_folderLabel->fullText(),
         QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks));
     if (dir.isEmpty())
         return;
+    if (!dir.endsWith(QDir::separator()))
+        dir += QDir::separator();
     m_folderLabel->setText(dir);
     VMEnv::instance()->setCustomDir(dir);
     fitLabelWidth();
@@ -71,6 +65,8 @@ void VMCustomDirWidget::onBrowse()
 // As wide as the whole path, up to the maximum; a longer path is elided in the middle.
 void VMCustomDirWidget::fitLabelWidth()
 {
+    // The theme's style sheet sets the font only when the label is polished.
+    m_folderLabel->ensurePolished();
     const int textWidth = m_folderLabel->textWidth();
     const int maximum = int(VLiteStyle::dpiScaled(MaxLabelWidth));
     m_folderLabel->setFixedWidth(maximum > textWidth ? textWidth : maximum);

@@ -14,10 +14,6 @@ class VDOCUMENTMERGER_EXPORT VMCustomDirWidget : public QWidget {
 public:
     explicit VMCustomDirWidget(QWidget *parent);
 
-    // The folder as VMEnv stores it after a browse: native separators and exactly one
-    // trailing separator. Empty for an empty answer (a cancelled dialog).
-    static QString normalizedDir(const QString &chosen);
-
 private slots:
     void onBrowse();
 

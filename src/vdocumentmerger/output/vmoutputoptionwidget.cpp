@@ -19,18 +19,20 @@ int scaled(int length)
 VLiteLabel *rowLabel(const QString &text, QWidget *parent)
 {
     auto *label = new VLiteLabel(text, parent);
-    label->setFixedSize(VLiteStyle::dpiScaledSize(48, 22));
+    label->setFixedHeight(scaled(22));
     label->applyThemeClass(QStringLiteral("VStyleLabel"));
     return label;
 }
 
-// 48 pixels hold the labels in the languages the layout was drawn for; a longer translation
-// widens both labels alike instead of being cut off, so the two rows stay aligned.
+// 48 pixels wide, which holds the labels in the languages the layout was drawn for; a longer
+// text widens both labels alike instead of being cut off, so the two rows stay aligned.
 void fitLabelWidths(VLiteLabel *first, VLiteLabel *second)
 {
     int width = scaled(48);
-    for (VLiteLabel *label : {first, second})
+    for (VLiteLabel *label : {first, second}) {
+        label->ensurePolished();
         width = qMax(width, label->fontMetrics().horizontalAdvance(label->text()));
+    }
     first->setFixedWidth(width);
     second->setFixedWidth(width);
 }
