@@ -29,14 +29,10 @@
 
 namespace {
 
+// Shared words; the caller marks the text with QT_TRANSLATE_NOOP so that lupdate finds it.
 QString generalText(const char *text)
 {
     return QCoreApplication::translate("general", text);
-}
-
-QString closeAction(int result, const char *onAccept)
-{
-    return result == 1 ? QString::fromLatin1(onAccept) : QStringLiteral("click_close");
 }
 
 // A notice with one "Confirm" button, framed by its popup events when popupType is set.
@@ -46,7 +42,7 @@ int runConfirmNotice(QWidget *parent, VLiteContentDlg::IconType icon, const QStr
     VMContentSkinDlg dialog(parent, icon);
     dialog.setTitle(title);
     dialog.setContent(content);
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText("Confirm"));
+    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText(QT_TRANSLATE_NOOP("general", "Confirm")));
     dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
     dialog.setButtonVisible(VLiteContentDlg::BtnCancel, false);
     dialog.setButtonVisible(VLiteContentDlg::BtnThird, false);
@@ -55,7 +51,7 @@ int runConfirmNotice(QWidget *parent, VLiteContentDlg::IconType icon, const QStr
         sendPopupEvent(popupType, QStringLiteral("show"));
     const int result = dialog.exec();
     if (!popupType.isEmpty())
-        sendPopupEvent(popupType, closeAction(result, "click_well"));
+        sendPopupEvent(popupType, result == 1 ? QStringLiteral("click_well") : QStringLiteral("click_close"));
     return result;
 }
 
@@ -135,7 +131,7 @@ void VMFileListPage::onAddFile()
 {
     sendClickEvent({{QStringLiteral("type"), QStringLiteral("addfile")}});
     const QStringList picked = QFileDialog::getOpenFileNames(
-        this, generalText("document merger"),
+        this, generalText(QT_TRANSLATE_NOOP("general", "document merger")),
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
         VMFileListRules::fileDialogFilter());
     if (picked.isEmpty())
@@ -169,7 +165,7 @@ void VMFileListPage::addFiles(const QStringList &files, int origin)
 
 void VMFileListPage::showFileLimitDialog(int maximum)
 {
-    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText("Tips"),
+    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                      tr("No more than %1 files can be added, and the excess part has not been added "
                         "to the list. It is recommended to process them in batches.")
                          .arg(maximum),
@@ -294,10 +290,10 @@ void VMFileListPage::onClearList()
 {
     sendClickEvent({{QStringLiteral("type"), QStringLiteral("deletefile ")}});
     VMContentSkinDlg dialog(this, VLiteContentDlg::IconNone);
-    dialog.setTitle(generalText("Tips"));
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText("Confirm"));
+    dialog.setTitle(generalText(QT_TRANSLATE_NOOP("general", "Tips")));
+    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText(QT_TRANSLATE_NOOP("general", "Confirm")));
     dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
-    dialog.setButtonText(VLiteContentDlg::BtnCancel, generalText("Cancel"));
+    dialog.setButtonText(VLiteContentDlg::BtnCancel, generalText(QT_TRANSLATE_NOOP("general", "Cancel")));
     dialog.setButtonResult(VLiteContentDlg::BtnCancel, 0);
     dialog.setButtonVisible(VLiteContentDlg::BtnThird, false);
     dialog.setContent(tr("Remove selected %1 files from the list?").arg(m_fileTable->checkedCount()));
@@ -559,9 +555,9 @@ void VMFileListPage::showMergeFailed()
 int VMFileListPage::showMergeComplete(const QString &content, bool cloudFail)
 {
     VMContentSkinDlg dialog(this, cloudFail ? VLiteContentDlg::IconNone : VLiteContentDlg::IconSuccess);
-    dialog.setTitle(cloudFail ? generalText("Tips") : tr("Merge complete"));
+    dialog.setTitle(cloudFail ? generalText(QT_TRANSLATE_NOOP("general", "Tips")) : tr("Merge complete"));
     dialog.setContent(content);
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText("open file"));
+    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText(QT_TRANSLATE_NOOP("general", "open file")));
     dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
     dialog.setButtonText(VLiteContentDlg::BtnCancel, tr("open directory"));
     dialog.setButtonResult(VLiteContentDlg::BtnCancel, 1);
@@ -577,14 +573,14 @@ int VMFileListPage::showMergeComplete(const QString &content, bool cloudFail)
 
 void VMFileListPage::showDocumentMissing()
 {
-    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText("Tips"),
+    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                      tr("The document does not exist. It may be removed or renamed"),
                      QStringLiteral("finish_openfile_fail"));
 }
 
 int VMFileListPage::showLoginRequired()
 {
-    return runConfirmNotice(this, VLiteContentDlg::IconNone, generalText("Tips"),
+    return runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                             tr("Sorry! You need to login in order to use %1.")
                                 .arg(yrt::product::getZYLDriveDisplayName()),
                             QString());
