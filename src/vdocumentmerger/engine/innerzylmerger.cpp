@@ -26,6 +26,9 @@ InnerZylMerger::~InnerZylMerger() = default;
 void InnerZylMerger::run()
 {
     int result = kFailed;
+    const QString output = toForwardSlashes(outputPath());
+    // A file already there is never ours: the merge refuses to start on it.
+    const bool outputTaken = QFile::exists(output);
     const HRESULT apartment = CoInitialize(nullptr);
     if (SUCCEEDED(apartment) && (hasApplication() || SUCCEEDED(createApplication()))) {
         emit initFinished();
@@ -39,6 +42,9 @@ void InnerZylMerger::run()
     if (SUCCEEDED(apartment))
         CoUninitialize();
 
+    // A failed run leaves nothing half-written at the output path.
+    if (result != 0 && !outputTaken)
+        QFile::remove(output);
     if (!isCanceled())
         emit finished(result);
     finishRun();

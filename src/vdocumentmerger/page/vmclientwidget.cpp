@@ -7,6 +7,7 @@
 #include "page/vmbottomoptionwidget.h"
 #include "shell/hostservices.h"
 #include "shell/usageevents.h"
+#include "table/vmfileoptionwidget.h"
 
 VMClientWidget::VMClientWidget(QWidget *parent)
     : QWidget(parent)
@@ -16,18 +17,21 @@ VMClientWidget::VMClientWidget(QWidget *parent)
     m_layout->setContentsMargins(VLiteStyle::dpiScaledMargins(QMargins(28, 0, 28, 28)));
     m_layout->setSpacing(0);
 
-    // Holds the file list and its import page; empty until that widget is slotted in.
-    auto *fileArea = new VLiteWidget(this);
-    fileArea->applyThemeClass(QStringLiteral("VMStyleWidget"), false);
-    m_fileArea = fileArea;
+    m_fileArea = new VMFileOptionWidget(this);
+    m_fileArea->applyThemeClass(QStringLiteral("VMStyleWidget"), false);
     m_layout->addWidget(m_fileArea, 1);
     m_layout->addSpacing(int(VLiteStyle::dpiScaled(14)));
 
     m_bottomOptionWidget = new VMBottomOptionWidget(this);
     m_layout->addWidget(m_bottomOptionWidget, 0);
+
+    connect(m_bottomOptionWidget, &VMBottomOptionWidget::sigStartMerger, m_fileArea,
+            &VMFileOptionWidget::onStartMerger);
+    connect(m_fileArea, &VMFileOptionWidget::sigSelectedItemCountChange, this,
+            &VMClientWidget::onSelectedItemCountChange);
 }
 
-QWidget *VMClientWidget::fileArea() const
+VMFileOptionWidget *VMClientWidget::fileArea() const
 {
     return m_fileArea;
 }

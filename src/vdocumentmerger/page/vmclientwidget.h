@@ -7,16 +7,18 @@
 class QShowEvent;
 class QVBoxLayout;
 class VMBottomOptionWidget;
+class VMFileOptionWidget;
 
-// The widget the host embeds: the file area above the bottom bar with the start button.
+// The widget the host embeds: the file area above the bottom bar with the output options and
+// the start button.
 // The host owns it through its parent.
 class VDOCUMENTMERGER_EXPORT VMClientWidget : public QWidget {
     Q_OBJECT
 public:
     explicit VMClientWidget(QWidget *parent);
 
-    // The area the file list occupies (stretching above the bottom bar).
-    QWidget *fileArea() const;
+    // The import page or the file list, stretching above the bottom bar.
+    VMFileOptionWidget *fileArea() const;
     VMBottomOptionWidget *bottomOptionWidget() const;
 
 public slots:
@@ -28,6 +30,6 @@ protected:
 
 private:
     QVBoxLayout *m_layout = nullptr;
-    QWidget *m_fileArea = nullptr;
+    VMFileOptionWidget *m_fileArea = nullptr;
     VMBottomOptionWidget *m_bottomOptionWidget = nullptr;
 };

@@ -7,6 +7,7 @@
 #include "page/vmbottomoptionwidget.h"
 #include "page/vmclientwidget.h"
 #include "shell/pluginexports.h"
+#include "table/vmfileoptionwidget.h"
 
 Q_DECLARE_METATYPE(QMargins)
 
