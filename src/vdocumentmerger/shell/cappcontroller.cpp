@@ -8,6 +8,7 @@
 #include "host/vappmainwindow.h"
 #include "page/vmclientwidget.h"
 #include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ CAppController::CAppController(QObject *parent)
 
 CAppController::~CAppController()
 {
-    VMEnv::removeDirRecursively(VMEnv::tempRoot());
+    VMWorkFolders::removeProcessRoot();
     VMEnv::releaseInstance();
     if (s_controller == this) {
         s_controller = nullptr;

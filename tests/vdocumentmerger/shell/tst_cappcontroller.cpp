@@ -16,6 +16,8 @@
 #include "shell/usageevents.h"
 #include "shell/vmenv.h"
 
+#include <unistd.h>
+
 namespace {
 
 const char childModeVariable[] = "TST_CAPPCONTROLLER_CHILD";
@@ -264,7 +266,8 @@ void tst_CAppController::tempRootRemovedAtApplicationShutdown()
     QCOMPARE(child.exitStatus(), QProcess::NormalExit);
     QCOMPARE(child.exitCode(), 0);
     QVERIFY(QFileInfo(tmp.path()).isDir());
-    QVERIFY2(!QFileInfo::exists(tmp.path() + QStringLiteral("/vdocumentmerger")),
+    const QDir root(tmp.path() + QStringLiteral("/vdocumentmerger-%1").arg(::getuid()));
+    QVERIFY2(root.exists() && root.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              "the working tree outlived the application");
 }
 
