@@ -6,8 +6,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QThreadPool>
-#include <QTimer>
 
 #include "engine/vsmzylinfoprovider.h"
 #include "engine/vsmzylmerger.h"
@@ -16,7 +14,6 @@
 namespace {
 
 const int kFinalShare = 1;
-const int kIdlePollMs = 20;
 
 void print(FILE *stream, const QString &text)
 {
@@ -354,23 +351,27 @@ void DocMergeRunner::removeUnwantedOutput()
         QFile::remove(m_task.outputPath);
 }
 
-// Waits, without blocking the event loop, until no engine worker runs any more: each one quits
+// Waits, without blocking the event loop, until the engine's workers have ended: each one quits
 // its word processor before it ends.
 void DocMergeRunner::finishWhenIdle(int exitCode)
 {
     if (m_finishing)
         return;
     m_finishing = true;
-    auto *timer = new QTimer(this);
-    timer->setInterval(kIdlePollMs);
-    connect(timer, &QTimer::timeout, this, [this, timer, exitCode] {
-        if (QThreadPool::globalInstance()->activeThreadCount() > 0)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        if (m_canceled)
-            removeUnwantedOutput();
-        emit finished(exitCode);
-    });
-    timer->start();
+    m_exitCode = exitCode;
+    if (m_provider)
+        connect(m_provider.data(), &VSMInfoProvider::workersEnded, this, &DocMergeRunner::finishIfIdle);
+    if (m_merger)
+        connect(m_merger.data(), &VSMMerger::workersEnded, this, &DocMergeRunner::finishIfIdle);
+    // Queued: a run may fail before the event loop that is to receive finished() has started.
+    QMetaObject::invokeMethod(this, &DocMergeRunner::finishIfIdle, Qt::QueuedConnection);
+}
+
+void DocMergeRunner::finishIfIdle()
+{
+    if ((m_provider && m_provider->hasLiveWorkers()) || (m_merger && m_merger->hasLiveWorkers()))
+        return;
+    if (m_canceled)
+        removeUnwantedOutput();
+    emit finished(m_exitCode);
 }

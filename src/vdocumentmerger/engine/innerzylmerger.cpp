@@ -26,18 +26,12 @@ InnerZylMerger::~InnerZylMerger() = default;
 void InnerZylMerger::run()
 {
     int result = kFailed;
-    const HRESULT apartment = CoInitialize(nullptr);
-    if (SUCCEEDED(apartment) && (hasApplication() || SUCCEEDED(createApplication()))) {
+    if (enterRun()) {
         emit initFinished();
         result = merge();
     }
 
-    if (hasApplication()) {
-        quitApplication();
-        releaseApplication();
-    }
-    if (SUCCEEDED(apartment))
-        CoUninitialize();
+    leaveRun();
 
     if (!isCanceled())
         emit finished(result);

@@ -108,6 +108,23 @@ bool InnerZylProcessor::hasApplication() const
     return bool(m_application);
 }
 
+bool InnerZylProcessor::enterRun()
+{
+    m_inApartment = SUCCEEDED(CoInitialize(nullptr));
+    return m_inApartment && (hasApplication() || SUCCEEDED(createApplication()));
+}
+
+void InnerZylProcessor::leaveRun()
+{
+    if (hasApplication()) {
+        quitApplication();
+        releaseApplication();
+    }
+    if (m_inApartment)
+        CoUninitialize();
+    m_inApartment = false;
+}
+
 HRESULT InnerZylProcessor::createApplication()
 {
     if (m_application)

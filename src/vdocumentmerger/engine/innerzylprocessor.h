@@ -31,6 +31,13 @@ public:
     InnerZylProcessor(const InnerZylProcessor &) = delete;
     InnerZylProcessor &operator=(const InnerZylProcessor &) = delete;
 
+    // The start of a worker run on the calling thread: enters a COM apartment and creates the
+    // application object unless one is held. False when either fails. leaveRun() follows in
+    // every case.
+    bool enterRun();
+    // Quits and releases the application object, and leaves the apartment enterRun() entered.
+    void leaveRun();
+
     // Needs the calling thread to be inside a COM apartment.
     HRESULT createApplication();
     HRESULT quitApplication();
@@ -88,4 +95,5 @@ private:
     HRESULT onCollapsedEnd(IDispatch *document, const char16_t *name, VARIANTARG *args, unsigned count);
 
     Dispatch m_application;
+    bool m_inApartment = false;
 };
