@@ -1,5 +1,6 @@
 #include "docmergerunner.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,7 +10,7 @@
 
 #include "engine/vsmzylinfoprovider.h"
 #include "engine/vsmzylmerger.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
 
@@ -54,7 +55,8 @@ MergeTask DocMergeRunner::buildTask(const QList<MergeSource> &sources, const QSt
     }
     if (!task.items.isEmpty()) {
         const QFileInfo first(task.items.first().filePath);
-        task.workPath = VMEnv::workFilePath(first.completeBaseName(), first.suffix(), 2);
+        task.workPath = VMWorkFolders::filePath(first.completeBaseName(), first.suffix(), 2,
+                                                 QDateTime::currentDateTime());
     }
     task.convertFormat = QFileInfo(task.workPath).suffix() != QFileInfo(task.outputPath).suffix();
     return task;
@@ -207,7 +209,7 @@ void DocMergeRunner::startMerge()
 
     m_task = buildTask(sources, m_options.output());
     if (m_task.workPath.isEmpty()) {
-        failMerge(QStringLiteral("cannot create a working file under %1").arg(VMEnv::tempRoot()));
+        failMerge(QStringLiteral("cannot create a private working folder under %1").arg(QDir::tempPath()));
         return;
     }
     m_merger = new VSMZylMerger(this);

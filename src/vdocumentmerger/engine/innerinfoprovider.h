@@ -3,11 +3,11 @@
 #include <QStringList>
 
 #include "engine/innerworker.h"
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // Page-count worker: counts the pages of each file of its list on a pool thread and reports
 // one infoPageCount per file, then taskFinished, unless cancelled.
-class VDOCUMENTMERGER_EXPORT InnerInfoProvider : public InnerWorker {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerInfoProvider : public InnerWorker {
     Q_OBJECT
 public:
     explicit InnerInfoProvider(const QStringList &fileList = QStringList());

@@ -5,11 +5,11 @@
 #include "engine/innerworker.h"
 #include "engine/mergeitem.h"
 #include "engine/mergetask.h"
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // Merge worker: builds one document from its items on a pool thread and reports finished(0)
 // or finished(-99), unless cancelled, in which case it reports no result at all.
-class VDOCUMENTMERGER_EXPORT InnerMerger : public InnerWorker {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerMerger : public InnerWorker {
     Q_OBJECT
 public:
     InnerMerger();

@@ -4,7 +4,7 @@
 #include <QReadWriteLock>
 #include <QRunnable>
 
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // What the page-count and merge workers share: the cancel flag, the only data both threads
 // touch, and the end of a run.
@@ -12,7 +12,7 @@
 // Created without a parent on the GUI thread. Not auto-deleted by the pool: run() ends with
 // finishRun(), which emits ended() and has the worker deleted on the GUI thread once run() has
 // returned, so that the GUI thread never sees it half destroyed.
-class VDOCUMENTMERGER_EXPORT InnerWorker : public QObject, public QRunnable {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerWorker : public QObject, public QRunnable {
     Q_OBJECT
 public:
     InnerWorker();

@@ -5,13 +5,13 @@
 
 #include <functional>
 
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 class InnerWorker;
 class QObject;
 
 // The workers of one front object whose run has not ended yet. Lives on the GUI thread.
-class VDOCUMENTMERGER_EXPORT InnerWorkerList {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerWorkerList {
 public:
     // onAllEnded runs on context's thread each time the last listed worker has ended.
     void add(InnerWorker *worker, QObject *context, std::function<void()> onAllEnded);

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "engine/enginelog.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
 
@@ -105,7 +105,7 @@ HRESULT InnerZylMerger::appendFile(IDispatch *target, const QString &path, int f
 {
     if (from < 1 || to < 1 || !QFile::exists(path) || !hasApplication() || !target)
         return E_FAIL;
-    const QString tempPath = VMEnv::workCopyPath(path, 1);
+    const QString tempPath = VMWorkFolders::copyPath(path, 1);
     if (tempPath.isEmpty())
         return E_FAIL;
     HRESULT hr = extractPages(path, from, pageCount(from, to), tempPath);

@@ -5,7 +5,7 @@
 #include <vcomrt/com.h>
 #include <vcomrt/comptr.h>
 
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // Client of the word processor's automation server, by late binding over IDispatch.
 //
@@ -17,7 +17,7 @@
 //
 // The only error raised instead of returned: an argument string or value that cannot be
 // allocated throws OutOfMemory.
-class VDOCUMENTMERGER_EXPORT InnerZylProcessor {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerZylProcessor {
 public:
     using Dispatch = ComPtr<IDispatch>;
 

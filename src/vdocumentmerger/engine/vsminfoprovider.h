@@ -6,7 +6,7 @@
 #include <QStringList>
 
 #include "engine/innerworkerlist.h"
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 class InnerInfoProvider;
 
@@ -17,7 +17,7 @@ class InnerInfoProvider;
 // be started. cancel() settles every file that has no result yet as failed and finishes the
 // list at once; the worker's later results are dropped. Destroying the object cancels its
 // workers without reporting anything.
-class VDOCUMENTMERGER_EXPORT VSMInfoProvider : public QObject {
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMInfoProvider : public QObject {
     Q_OBJECT
 public:
     explicit VSMInfoProvider(QObject *parent = nullptr);

@@ -4,7 +4,7 @@
 
 #include "engine/mergetask.h"
 #include "engine/innerworkerlist.h"
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 class InnerMerger;
 
@@ -15,7 +15,7 @@ class InnerMerger;
 // 0 (saved at the task's outputPath) or -99 (nothing completed). A cancelled run reports no
 // mergeFinished, and the running count it took is never given back. Destroying the object
 // cancels its workers without reporting anything.
-class VDOCUMENTMERGER_EXPORT VSMMerger : public QObject {
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMMerger : public QObject {
     Q_OBJECT
 public:
     explicit VSMMerger(QObject *parent = nullptr);

@@ -104,8 +104,7 @@ QString VMEnv::workFilePath(const QString &baseName, const QString &suffix, int 
 
 QString VMEnv::workCopyPath(const QString &filePath, int kind)
 {
-    const QFileInfo info(filePath);
-    return QDir::toNativeSeparators(workFilePath(info.completeBaseName(), info.suffix(), kind));
+    return VMWorkFolders::copyPath(filePath, kind);
 }
 
 void VMEnv::removeDirRecursively(const QString &path)

@@ -155,6 +155,13 @@ QString VMWorkFolders::filePath(const QString &baseName, const QString &suffix, 
     return QStringLiteral("%1/%2").arg(folder).arg(name);
 }
 
+QString VMWorkFolders::copyPath(const QString &filePath, int kind)
+{
+    const QFileInfo info(filePath);
+    return QDir::toNativeSeparators(VMWorkFolders::filePath(info.completeBaseName(), info.suffix(),
+                                                            kind, QDateTime::currentDateTime()));
+}
+
 void VMWorkFolders::removeRecursively(const QString &path)
 {
     const QFileInfo top(path);

@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // The working folders, private to the user and to this process.
 //
@@ -12,7 +12,7 @@
 // owned by the user (else a fresh private folder of this process). Below it each process works
 // in a tree named after its process id and removes only that tree; trees whose process no longer
 // runs are removed when the root is first used. Every function is safe on any thread.
-class VDOCUMENTMERGER_EXPORT VMWorkFolders {
+class VDOCUMENTMERGER_ENGINE_EXPORT VMWorkFolders {
 public:
     // This process's tree; created with its parents when a working path is asked for. Empty
     // when no private root can be had at all.
@@ -27,6 +27,8 @@ public:
     // folder cannot be created.
     static QString filePath(const QString &baseName, const QString &suffix, int kind,
                             const QDateTime &now);
+    // filePath() now, with filePath's complete base name and suffix, in native separators.
+    static QString copyPath(const QString &filePath, int kind);
 
     // Removes the folder and everything in it; links are removed, never followed.
     static void removeRecursively(const QString &path);
