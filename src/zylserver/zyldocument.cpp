@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -340,6 +341,27 @@ HRESULT ZylDocument::saveAs(const QString &path, const QString &filter)
     return storeAtomically(target.absoluteFilePath(), filter, false);
 }
 
+namespace {
+
+// 0666 less the umask. Read from /proc, so that no thread ever sees a changed umask.
+mode_t newFileMode()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+            if (!line.startsWith("Umask:"))
+                continue;
+            bool ok = false;
+            const uint mask = line.mid(6).trimmed().toUInt(&ok, 8);
+            if (ok)
+                return mode_t(0666 & ~mask);
+        }
+    }
+    return 0644;
+}
+
+} // namespace
+
 HRESULT ZylDocument::storeAtomically(const QString &target, const QString &filter, bool mayReplace)
 {
     const QFileInfo info(target);
@@ -363,6 +385,13 @@ HRESULT ZylDocument::storeAtomically(const QString &target, const QString &filte
     }
     const QByteArray from = QFile::encodeName(tempPath);
     const QByteArray to = QFile::encodeName(target);
+    // The temporary file is private; the document gets the mode the file it replaces had, or
+    // that of any new file of this user.
+    struct stat existing = {};
+    const mode_t mode = mayReplace && ::stat(to.constData(), &existing) == 0 ? (existing.st_mode & 07777)
+                                                                              : newFileMode();
+    if (::chmod(from.constData(), mode) != 0)
+        qCWarning(lcZylServer) << "cannot set the mode of" << target << ":" << strerror(errno);
     if (mayReplace) {
         if (::rename(from.constData(), to.constData()) != 0) {
             qCWarning(lcZylServer) << "cannot move the saved file into place:" << strerror(errno);

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <signal.h>
 #include <thread>
@@ -70,6 +72,16 @@ QString zipEntryHint(const QString &path)
     if (!f.open(QIODevice::ReadOnly))
         return QString();
     return QString::fromLatin1(f.read(4096).toHex());
+}
+
+} // namespace
+
+namespace {
+
+mode_t fileMode(const QString &path)
+{
+    struct stat st = {};
+    return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? (st.st_mode & 07777) : 0;
 }
 
 } // namespace
@@ -744,12 +756,16 @@ void tst_ZylServer::saveAsFormats()
     const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     const QString path = m_dir.filePath(target);
     QFile::remove(path);
+    // The saved file gets the mode of any new file, not that of the private temporary one.
+    const mode_t oldMask = ::umask(027);
+    auto restoreMask = qScopeGuard([oldMask] { ::umask(oldMask); });
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), source, &doc), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"),
                        {A::text(path), format.isValid() ? A::i4(format.toInt()) : A::empty(), A::empty(), A::text(QString()), A::i4(0)}),
              S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(fileMode(path), mode_t(0640));
 
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -794,11 +810,13 @@ void tst_ZylServer::saveReplacesAtomically()
     const QString work = m_dir.filePath(QStringLiteral("save-work.doc"));
     QFile::remove(work);
     QVERIFY(QFile::copy(source, work));
+    QCOMPARE(::chmod(QFile::encodeName(work).constData(), 0604), 0);
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
     QCOMPARE(A::deletePages(doc.get(), 2, 2), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(fileMode(work), mode_t(0604));
     QFile file(work);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.read(4) == QByteArray("\xD0\xCF\x11\xE0", 4)); // still the format it was loaded in
