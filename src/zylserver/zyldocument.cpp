@@ -233,13 +233,13 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
 
 int ZylDocument::protection()
 {
-    uno::Reference<frame::XStorable> storable(m_document, uno::UNO_QUERY);
+    // The document's own wish, not the storable's state: every document is loaded read-only.
     uno::Reference<lang::XMultiServiceFactory> factory(m_document, uno::UNO_QUERY_THROW);
     uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
                                                  uno::UNO_QUERY_THROW);
     bool loadReadonly = false;
     settings->getPropertyValue(ou("LoadReadonly")) >>= loadReadonly;
-    if (loadReadonly || (storable.is() && storable->isReadonly()))
+    if (loadReadonly)
         return AllowOnlyReading;
     bool protectForm = false;
     settings->getPropertyValue(ou("ProtectForm")) >>= protectForm;
@@ -316,8 +316,9 @@ int ZylDocument::protection()
 
 HRESULT ZylDocument::save()
 {
-    uno::Reference<frame::XStorable> storable(m_document, uno::UNO_QUERY_THROW);
-    if (storable->isReadonly())
+    // Every document is loaded read-only and written through a file of its own; one that asks
+    // to be read-only still is not saved in place.
+    if (protection() == AllowOnlyReading)
         return E_ACCESSDENIED;
     const QString filter = ZylFilters::exportFilter(false, 0, m_path, m_loadFilter);
     if (filter.isEmpty())

@@ -86,6 +86,8 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
     return m_session->office().call("Open", [&]() -> HRESULT {
         std::vector<beans::PropertyValue> props = {
             property("Hidden", uno::Any(true)),
+            // The user's file is never written through the loaded document.
+            property("ReadOnly", uno::Any(true)),
             property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
             property("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
             property("InteractionHandler", uno::Any(uno::Reference<task::XInteractionHandler>(new ZylInteractionHandler))),
