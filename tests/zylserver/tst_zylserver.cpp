@@ -116,6 +116,7 @@ private slots:
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
     void saveReplacesAtomically();
+    void webVariantIsATextDocument();
     void badFilesFailQuickly_data();
     void badFilesFailQuickly();
     void openingLeavesNoLockFile();
@@ -802,6 +803,35 @@ void tst_ZylServer::saveAsRefusesExistingTarget()
     QVERIFY(FAILED(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(odd), A::i4(0), A::empty(), A::text(QString()), A::i4(0)})));
     QVERIFY(!QFileInfo::exists(odd));
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::webVariantIsATextDocument()
+{
+    const QString html = m_dir.filePath(QStringLiteral("web-source.html"));
+    QFile source(html);
+    QVERIFY(source.open(QIODevice::WriteOnly));
+    source.write("<html><body><p>web one</p><p style=\"page-break-before: always\">web two</p></body></html>");
+    source.close();
+    const QString web = m_dir.filePath(QStringLiteral("web.oth"));
+    QFile::remove(web);
+    QString error;
+    QVERIFY2(ZylTestDocuments::convert(html, web, &error), qPrintable(error));
+    // Named as users name their documents.
+    const QString path = m_dir.filePath(QStringLiteral("web.zyl"));
+    QFile::remove(path);
+    QVERIFY(QFile::copy(web, path));
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, LONG(2));
+    const QString saved = m_dir.filePath(QStringLiteral("web-saved.docx"));
+    QFile::remove(saved);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(saved), A::i4(12), A::empty(), A::text(QString()), A::i4(0)}),
+             S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(saved), QStringList({"web one", "web two"}));
 }
 
 void tst_ZylServer::saveReplacesAtomically()
