@@ -32,6 +32,7 @@
 #include "zylrange.h"
 #include "zylsession.h"
 #include "zyltextmodel.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -58,29 +59,6 @@ const LONG kStatisticPages = 2;
 const LONG kGoToPage = 1;
 const LONG kGoToAbsolute = 1;
 const LONG kDoNotSaveChanges = 0;
-
-rtl::OUString ou(const char *ascii)
-{
-    return rtl::OUString::createFromAscii(ascii);
-}
-
-rtl::OUString toOUString(const QString &s)
-{
-    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
-}
-
-QString toQString(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
-}
-
-beans::PropertyValue property(const char *name, const uno::Any &value)
-{
-    beans::PropertyValue p;
-    p.Name = ou(name);
-    p.Value = value;
-    return p;
-}
 
 bool isOn(const rtl::OUString &value)
 {

@@ -28,6 +28,7 @@
 
 #include "zyllog.h"
 #include "zylofficeguardian.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -52,11 +53,6 @@ int &runningProcesses()
 {
     static int count = 0;
     return count;
-}
-
-QString toQString(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
 }
 
 const char *const kProfileSettings =

@@ -23,15 +23,11 @@
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
 
 #include "zyllog.h"
+#include "zyluno.h"
 
 using namespace css;
 
 namespace {
-
-rtl::OUString ou(const char *ascii)
-{
-    return rtl::OUString::createFromAscii(ascii);
-}
 
 // Groups everything done in its lifetime into one undo step.
 class UndoContext {
