@@ -341,22 +341,15 @@ HRESULT InnerZylProcessor::onCollapsedEnd(IDispatch *document, const char16_t *n
 
 HRESULT InnerZylProcessor::pageStart(IDispatch *document, int page, int *position)
 {
-    if (!document || page < 1)
-        return E_FAIL;
-    int pages = 0;
-    HRESULT hr = computeStatistics(document, &pages);
-    if (FAILED(hr))
-        return hr;
-    if (page > pages)
-        return E_FAIL;
-    Dispatch range;
-    hr = goToPage(document, page, &range);
-    if (FAILED(hr))
-        return hr;
-    return rangeStart(range.get(), position);
+    return pageBoundary(document, page, false, position);
 }
 
 HRESULT InnerZylProcessor::pageEnd(IDispatch *document, int page, int *position)
+{
+    return pageBoundary(document, page, true, position);
+}
+
+HRESULT InnerZylProcessor::pageBoundary(IDispatch *document, int page, bool end, int *position)
 {
     if (!document || page < 1)
         return E_FAIL;
@@ -367,10 +360,15 @@ HRESULT InnerZylProcessor::pageEnd(IDispatch *document, int page, int *position)
     if (page > pages)
         return E_FAIL;
     Dispatch range;
-    hr = page == pages ? wholeRange(document, &range) : goToPage(document, page + 1, &range);
+    if (!end)
+        hr = goToPage(document, page, &range);
+    else if (page == pages)
+        hr = wholeRange(document, &range);
+    else
+        hr = goToPage(document, page + 1, &range); // its End is where the next page begins
     if (FAILED(hr))
         return hr;
-    return rangeEnd(range.get(), position);
+    return end ? rangeEnd(range.get(), position) : rangeStart(range.get(), position);
 }
 
 HRESULT InnerZylProcessor::deletePages(IDispatch *document, int first, int last)

@@ -92,6 +92,7 @@ private:
                           unsigned count, Dispatch *out);
     HRESULT callForInt(IDispatch *object, const char16_t *name, WORD kind, VARIANTARG *args,
                        unsigned count, int *out);
+    HRESULT pageBoundary(IDispatch *document, int page, bool end, int *position);
     HRESULT onCollapsedEnd(IDispatch *document, const char16_t *name, VARIANTARG *args, unsigned count);
 
     Dispatch m_application;
