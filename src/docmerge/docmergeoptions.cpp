@@ -49,71 +49,47 @@ DocMergeOptions &DocMergeOptions::fail(const QString &error)
     return *this;
 }
 
+namespace {
+
+enum class Match { No, Value, Missing };
+
+// Whether arguments[i] is the option longName (or shortName) and where its value is: after '='
+// ("--output=x"), joined to the short name ("-ox") or in the next argument, which i then skips.
+Match optionValue(const QStringList &arguments, int &i, const QString &longName, const QString &shortName,
+                  QString *value)
+{
+    const QString &arg = arguments.at(i);
+    const QString longPrefix = longName + QLatin1Char('=');
+    if (arg.startsWith(longPrefix)) {
+        *value = arg.mid(longPrefix.size());
+        return Match::Value;
+    }
+    if (!shortName.isEmpty() && arg.startsWith(shortName) && arg.size() > shortName.size()) {
+        *value = arg.mid(shortName.size());
+        return Match::Value;
+    }
+    if (arg != longName && (shortName.isEmpty() || arg != shortName))
+        return Match::No;
+    if (i + 1 >= arguments.size())
+        return Match::Missing;
+    *value = arguments.at(++i);
+    return Match::Value;
+}
+
+} // namespace
+
 DocMergeOptions DocMergeOptions::parse(const QStringList &arguments)
 {
     DocMergeOptions options;
     QStringList operands;
-    bool help = false;
-    bool version = false;
-    bool outputSeen = false;
-    bool formatSeen = false;
-    bool optionsEnded = false;
-
-    for (int i = 0; i < arguments.size(); ++i) {
-        const QString &arg = arguments.at(i);
-        if (optionsEnded || arg == QLatin1String("-") || !arg.startsWith(QLatin1Char('-'))) {
-            operands << arg;
-            continue;
-        }
-        if (arg == QLatin1String("--")) {
-            optionsEnded = true;
-        } else if (arg == QLatin1String("-h") || arg == QLatin1String("--help")) {
-            help = true;
-        } else if (arg == QLatin1String("--version")) {
-            version = true;
-        } else if (arg == QLatin1String("--json")) {
-            options.m_json = true;
-        } else if (arg == QLatin1String("-o") || arg == QLatin1String("--output")
-                   || arg.startsWith(QLatin1String("--output=")) || (arg.startsWith(QLatin1String("-o")) && arg.size() > 2)) {
-            QString value;
-            if (arg.startsWith(QLatin1String("--output=")))
-                value = arg.mid(9);
-            else if (arg.startsWith(QLatin1String("-o")) && arg.size() > 2)
-                value = arg.mid(2);
-            else if (i + 1 < arguments.size())
-                value = arguments.at(++i);
-            else
-                return options.fail(QStringLiteral("%1 needs a file name").arg(arg));
-            if (outputSeen)
-                return options.fail(QStringLiteral("the output is given twice"));
-            if (value.isEmpty())
-                return options.fail(QStringLiteral("the output file name is empty"));
-            outputSeen = true;
-            options.m_output = value;
-        } else if (arg == QLatin1String("--format") || arg.startsWith(QLatin1String("--format="))) {
-            QString value;
-            if (arg.startsWith(QLatin1String("--format=")))
-                value = arg.mid(9);
-            else if (i + 1 < arguments.size())
-                value = arguments.at(++i);
-            else
-                return options.fail(QStringLiteral("--format needs one of docx, doc, zyl"));
-            if (formatSeen)
-                return options.fail(QStringLiteral("the format is given twice"));
-            formatSeen = true;
-            options.m_format = value.toLower();
-            if (!formats().contains(options.m_format))
-                return options.fail(QStringLiteral("unknown format \"%1\": use docx, doc or zyl").arg(value));
-        } else {
-            return options.fail(QStringLiteral("unknown option %1").arg(arg));
-        }
-    }
-
-    if (help) {
+    Seen seen;
+    if (!options.readArguments(arguments, &operands, &seen))
+        return options;
+    if (seen.help) {
         options.m_command = Command::Help;
         return options;
     }
-    if (version) {
+    if (seen.version) {
         options.m_command = Command::Version;
         return options;
     }
@@ -121,35 +97,103 @@ DocMergeOptions DocMergeOptions::parse(const QStringList &arguments)
         return options.fail(QStringLiteral("no command given"));
 
     const QString command = operands.takeFirst();
-    if (command == QLatin1String("count")) {
-        if (outputSeen || formatSeen)
-            return options.fail(QStringLiteral("count takes no output or format"));
-        if (operands.isEmpty())
-            return options.fail(QStringLiteral("count needs at least one file"));
-        options.m_files = operands;
-        options.m_command = Command::Count;
-        return options;
-    }
-    if (command != QLatin1String("merge"))
-        return options.fail(QStringLiteral("unknown command \"%1\"").arg(command));
+    if (command == QLatin1String("count"))
+        return options.takeCount(operands, seen);
+    if (command == QLatin1String("merge"))
+        return options.takeMerge(operands, seen);
+    return options.fail(QStringLiteral("unknown command \"%1\"").arg(command));
+}
 
-    if (!outputSeen)
-        return options.fail(QStringLiteral("merge needs an output: -o OUT"));
-    const QString suffix = QFileInfo(options.m_output).suffix();
+bool DocMergeOptions::readArguments(const QStringList &arguments, QStringList *operands, Seen *seen)
+{
+    bool optionsEnded = false;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &arg = arguments.at(i);
+        if (optionsEnded || arg == QLatin1String("-") || !arg.startsWith(QLatin1Char('-'))) {
+            *operands << arg;
+            continue;
+        }
+        QString value;
+        Match match = Match::No;
+        if (arg == QLatin1String("--")) {
+            optionsEnded = true;
+        } else if (arg == QLatin1String("-h") || arg == QLatin1String("--help")) {
+            seen->help = true;
+        } else if (arg == QLatin1String("--version")) {
+            seen->version = true;
+        } else if (arg == QLatin1String("--json")) {
+            m_json = true;
+        } else if ((match = optionValue(arguments, i, QStringLiteral("--output"), QStringLiteral("-o"), &value)) != Match::No) {
+            if (match == Match::Missing)
+                fail(QStringLiteral("%1 needs a file name").arg(arg));
+            if (match == Match::Missing || !setOutput(value, seen))
+                return false;
+        } else if ((match = optionValue(arguments, i, QStringLiteral("--format"), QString(), &value)) != Match::No) {
+            if (match == Match::Missing)
+                fail(QStringLiteral("--format needs one of docx, doc, zyl"));
+            if (match == Match::Missing || !setFormat(value, seen))
+                return false;
+        } else {
+            fail(QStringLiteral("unknown option %1").arg(arg));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool DocMergeOptions::setOutput(const QString &value, Seen *seen)
+{
+    if (seen->output)
+        fail(QStringLiteral("the output is given twice"));
+    else if (value.isEmpty())
+        fail(QStringLiteral("the output file name is empty"));
+    else
+        m_output = value;
+    seen->output = true;
+    return m_error.isEmpty();
+}
+
+bool DocMergeOptions::setFormat(const QString &value, Seen *seen)
+{
+    if (seen->format)
+        fail(QStringLiteral("the format is given twice"));
+    else if (!formats().contains(value.toLower()))
+        fail(QStringLiteral("unknown format \"%1\": use docx, doc or zyl").arg(value));
+    else
+        m_format = value.toLower();
+    seen->format = true;
+    return m_error.isEmpty();
+}
+
+DocMergeOptions &DocMergeOptions::takeCount(const QStringList &files, const Seen &seen)
+{
+    if (seen.output || seen.format)
+        return fail(QStringLiteral("count takes no output or format"));
+    if (files.isEmpty())
+        return fail(QStringLiteral("count needs at least one file"));
+    m_files = files;
+    m_command = Command::Count;
+    return *this;
+}
+
+DocMergeOptions &DocMergeOptions::takeMerge(const QStringList &operands, const Seen &seen)
+{
+    if (!seen.output)
+        return fail(QStringLiteral("merge needs an output: -o OUT"));
+    const QString suffix = QFileInfo(m_output).suffix();
     if (!formats().contains(suffix.toLower()))
-        return options.fail(QStringLiteral("the output must end in .docx, .doc or .zyl: %1").arg(options.m_output));
-    if (formatSeen && suffix.toLower() != options.m_format)
-        return options.fail(QStringLiteral("--format %1 does not match the output's extension .%2")
-                                .arg(options.m_format, suffix));
+        return fail(QStringLiteral("the output must end in .docx, .doc or .zyl: %1").arg(m_output));
+    if (seen.format && suffix.toLower() != m_format)
+        return fail(QStringLiteral("--format %1 does not match the output's extension .%2").arg(m_format, suffix));
     if (operands.size() < 2)
-        return options.fail(QStringLiteral("merge needs at least two files"));
-    for (const QString &operand : qAsConst(operands)) {
+        return fail(QStringLiteral("merge needs at least two files"));
+    for (const QString &operand : operands) {
         MergeSource source;
         QString error;
         if (!MergeSource::parse(operand, &source, &error))
-            return options.fail(error);
-        options.m_sources << source;
+            return fail(error);
+        m_sources << source;
     }
-    options.m_command = Command::Merge;
-    return options;
+    m_command = Command::Merge;
+    return *this;
 }

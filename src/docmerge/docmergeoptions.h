@@ -28,6 +28,20 @@ public:
     QString format() const { return m_format; }
 
 private:
+    // Options met on the command line, besides those that are stored as they come.
+    struct Seen {
+        bool help = false;
+        bool version = false;
+        bool output = false;
+        bool format = false;
+    };
+
+    // The steps of parse(); each returns false, or *this failed, on a usage error.
+    bool readArguments(const QStringList &arguments, QStringList *operands, Seen *seen);
+    bool setOutput(const QString &value, Seen *seen);
+    bool setFormat(const QString &value, Seen *seen);
+    DocMergeOptions &takeCount(const QStringList &files, const Seen &seen);
+    DocMergeOptions &takeMerge(const QStringList &operands, const Seen &seen);
     DocMergeOptions &fail(const QString &error);
 
     Command m_command = Command::None;

@@ -1,22 +1,20 @@
 #include "docmergerunner.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QThreadPool>
-#include <QTimer>
 
 #include "engine/vsmzylinfoprovider.h"
 #include "engine/vsmzylmerger.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
 
 const int kFinalShare = 1;
-const int kIdlePollMs = 20;
 
 void print(FILE *stream, const QString &text)
 {
@@ -57,7 +55,8 @@ MergeTask DocMergeRunner::buildTask(const QList<MergeSource> &sources, const QSt
     }
     if (!task.items.isEmpty()) {
         const QFileInfo first(task.items.first().filePath);
-        task.workPath = VMEnv::workFilePath(first.completeBaseName(), first.suffix(), 2);
+        task.workPath = VMWorkFolders::filePath(first.completeBaseName(), first.suffix(), 2,
+                                                 QDateTime::currentDateTime());
     }
     task.convertFormat = QFileInfo(task.workPath).suffix() != QFileInfo(task.outputPath).suffix();
     return task;
@@ -210,7 +209,7 @@ void DocMergeRunner::startMerge()
 
     m_task = buildTask(sources, m_options.output());
     if (m_task.workPath.isEmpty()) {
-        failMerge(QStringLiteral("cannot create a working file under %1").arg(VMEnv::tempRoot()));
+        failMerge(QStringLiteral("cannot create a private working folder under %1").arg(QDir::tempPath()));
         return;
     }
     m_merger = new VSMZylMerger(this);
@@ -354,23 +353,27 @@ void DocMergeRunner::removeUnwantedOutput()
         QFile::remove(m_task.outputPath);
 }
 
-// Waits, without blocking the event loop, until no engine worker runs any more: each one quits
+// Waits, without blocking the event loop, until the engine's workers have ended: each one quits
 // its word processor before it ends.
 void DocMergeRunner::finishWhenIdle(int exitCode)
 {
     if (m_finishing)
         return;
     m_finishing = true;
-    auto *timer = new QTimer(this);
-    timer->setInterval(kIdlePollMs);
-    connect(timer, &QTimer::timeout, this, [this, timer, exitCode] {
-        if (QThreadPool::globalInstance()->activeThreadCount() > 0)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        if (m_canceled)
-            removeUnwantedOutput();
-        emit finished(exitCode);
-    });
-    timer->start();
+    m_exitCode = exitCode;
+    if (m_provider)
+        connect(m_provider.data(), &VSMInfoProvider::workersEnded, this, &DocMergeRunner::finishIfIdle);
+    if (m_merger)
+        connect(m_merger.data(), &VSMMerger::workersEnded, this, &DocMergeRunner::finishIfIdle);
+    // Queued: a run may fail before the event loop that is to receive finished() has started.
+    QMetaObject::invokeMethod(this, &DocMergeRunner::finishIfIdle, Qt::QueuedConnection);
+}
+
+void DocMergeRunner::finishIfIdle()
+{
+    if ((m_provider && m_provider->hasLiveWorkers()) || (m_merger && m_merger->hasLiveWorkers()))
+        return;
+    if (m_canceled)
+        removeUnwantedOutput();
+    emit finished(m_exitCode);
 }

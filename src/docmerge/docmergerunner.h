@@ -58,6 +58,7 @@ private:
     void onDiagnosisFinished(bool success);
     void failMerge(const QString &reason);
     void finishWhenIdle(int exitCode);
+    void finishIfIdle();
     void printCountJson(bool serverStarted);
     void printMergeJson(bool success, const QString &error);
     void removeUnwantedOutput();
@@ -73,4 +74,5 @@ private:
     bool m_outputExisted = true;
     bool m_canceled = false;
     bool m_finishing = false;
+    int m_exitCode = Success;
 };

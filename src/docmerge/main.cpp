@@ -6,7 +6,7 @@
 
 #include "docmergeoptions.h"
 #include "docmergerunner.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 #include "terminationwatcher.h"
 
 int main(int argc, char *argv[])
@@ -41,6 +41,6 @@ int main(int argc, char *argv[])
     runner.start();
     const int exitCode = app.exec();
 
-    VMEnv::removeDirRecursively(VMEnv::tempRoot());
+    VMWorkFolders::removeProcessRoot();
     return exitCode;
 }

@@ -31,88 +31,82 @@ bool VAppCommandLine::parse(const QStringList &arguments)
     parser.addOptions({help, addon, src, signedOut, theme, scale, usageLog, screenshot, quitAfter,
                        serverName, drive});
 
-    if (arguments.isEmpty()) {
-        m_errorString = QStringLiteral("no program name in the argument list");
-        return false;
-    }
-    if (!parser.parse(arguments)) {
-        m_errorString = parser.errorText();
-        return false;
-    }
+    if (arguments.isEmpty())
+        return fail(QStringLiteral("no program name in the argument list"));
+    if (!parser.parse(arguments))
+        return fail(parser.errorText());
     if (parser.isSet(help)) {
         m_options.helpRequested = true;
         return true;
     }
 
-    const auto lastValue = [&parser](const QCommandLineOption &option) {
-        const QStringList values = parser.values(option);
-        return values.isEmpty() ? QString() : values.last();
-    };
-
     m_options.files = parser.positionalArguments();
-    m_options.source = lastValue(src);
-    m_options.addonPath = lastValue(addon);
     m_options.signedOut = parser.isSet(signedOut);
-    m_options.usageLogPath = lastValue(usageLog);
-    m_options.screenshotPath = lastValue(screenshot);
-    m_options.serverName = lastValue(serverName);
-    m_options.driveRoot = lastValue(drive);
+    m_options.source = lastValue(parser, src);
+    const bool textsOk = takeText(parser, addon, QStringLiteral("a library path"), &m_options.addonPath)
+        && takeText(parser, usageLog, QStringLiteral("a file path"), &m_options.usageLogPath)
+        && takeText(parser, screenshot, QStringLiteral("a file path"), &m_options.screenshotPath)
+        && takeText(parser, serverName, QStringLiteral("a name"), &m_options.serverName)
+        && takeText(parser, drive, QStringLiteral("a folder"), &m_options.driveRoot);
+    return textsOk && takeTheme(parser, theme) && takeScale(parser, scale) && takeQuitAfter(parser, quitAfter);
+}
 
-    if (parser.isSet(addon) && m_options.addonPath.isEmpty()) {
-        m_errorString = QStringLiteral("--addon needs a library path");
-        return false;
-    }
-    if (parser.isSet(usageLog) && m_options.usageLogPath.isEmpty()) {
-        m_errorString = QStringLiteral("--usage-log needs a file path");
-        return false;
-    }
-    if (parser.isSet(screenshot) && m_options.screenshotPath.isEmpty()) {
-        m_errorString = QStringLiteral("--screenshot needs a file path");
-        return false;
-    }
-    if (parser.isSet(serverName) && m_options.serverName.isEmpty()) {
-        m_errorString = QStringLiteral("--server-name needs a name");
-        return false;
-    }
+QString VAppCommandLine::lastValue(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    const QStringList values = parser.values(option);
+    return values.isEmpty() ? QString() : values.last();
+}
 
-    if (parser.isSet(drive) && m_options.driveRoot.isEmpty()) {
-        m_errorString = QStringLiteral("--drive needs a folder");
-        return false;
-    }
+bool VAppCommandLine::fail(const QString &error)
+{
+    m_errorString = error;
+    return false;
+}
 
-    if (parser.isSet(theme)) {
-        const QString name = lastValue(theme).trimmed().toLower();
-        if (name != QLatin1String("light") && name != QLatin1String("dark")) {
-            m_errorString = QStringLiteral("--theme takes \"light\" or \"dark\", not \"%1\"")
-                                .arg(lastValue(theme));
-            return false;
-        }
-        m_options.theme = name;
-    }
+bool VAppCommandLine::takeText(const QCommandLineParser &parser, const QCommandLineOption &option,
+                               const QString &what, QString *value)
+{
+    *value = lastValue(parser, option);
+    if (parser.isSet(option) && value->isEmpty())
+        return fail(QStringLiteral("--%1 needs %2").arg(option.names().first(), what));
+    return true;
+}
 
-    if (parser.isSet(scale)) {
-        bool ok = false;
-        const double factor = lastValue(scale).toDouble(&ok);
-        if (!ok || !(factor >= 0.5 && factor <= 4.0)) {
-            m_errorString = QStringLiteral("--scale takes a factor from 0.5 to 4, not \"%1\"")
-                                .arg(lastValue(scale));
-            return false;
-        }
-        m_options.scale = factor;
-    }
+bool VAppCommandLine::takeTheme(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    if (!parser.isSet(option))
+        return true;
+    const QString name = lastValue(parser, option).trimmed().toLower();
+    if (name != QLatin1String("light") && name != QLatin1String("dark"))
+        return fail(QStringLiteral("--theme takes \"light\" or \"dark\", not \"%1\"").arg(lastValue(parser, option)));
+    m_options.theme = name;
+    return true;
+}
 
-    if (parser.isSet(quitAfter)) {
-        bool ok = false;
-        const int ms = lastValue(quitAfter).toInt(&ok);
-        if (!ok || ms < 0) {
-            m_errorString = QStringLiteral("--quit-after takes milliseconds (0 or more), not \"%1\"")
-                                .arg(lastValue(quitAfter));
-            return false;
-        }
-        m_options.quitAfterMs = ms;
-    } else if (!m_options.screenshotPath.isEmpty()) {
-        m_options.quitAfterMs = kDefaultScreenshotDelayMs;
+bool VAppCommandLine::takeScale(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    if (!parser.isSet(option))
+        return true;
+    bool ok = false;
+    const double factor = lastValue(parser, option).toDouble(&ok);
+    if (!ok || !(factor >= 0.5 && factor <= 4.0))
+        return fail(QStringLiteral("--scale takes a factor from 0.5 to 4, not \"%1\"").arg(lastValue(parser, option)));
+    m_options.scale = factor;
+    return true;
+}
+
+bool VAppCommandLine::takeQuitAfter(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    if (!parser.isSet(option)) {
+        if (!m_options.screenshotPath.isEmpty())
+            m_options.quitAfterMs = kDefaultScreenshotDelayMs;
+        return true;
     }
+    bool ok = false;
+    const int ms = lastValue(parser, option).toInt(&ok);
+    if (!ok || ms < 0)
+        return fail(QStringLiteral("--quit-after takes milliseconds (0 or more), not \"%1\"").arg(lastValue(parser, option)));
+    m_options.quitAfterMs = ms;
     return true;
 }
 

@@ -5,6 +5,9 @@
 
 #include "vapphost_export.h"
 
+class QCommandLineOption;
+class QCommandLineParser;
+
 // The host's command line, parsed without needing an application object so that the
 // program can answer --help and reject bad options before it opens a window.
 class VAPPHOST_EXPORT VAppCommandLine {
@@ -35,6 +38,15 @@ public:
     static QString defaultAddonPath(const QString &applicationDirPath);
 
 private:
+    // The steps of parse(); each returns false with errorString() set on bad input.
+    static QString lastValue(const QCommandLineParser &parser, const QCommandLineOption &option);
+    bool fail(const QString &error);
+    bool takeText(const QCommandLineParser &parser, const QCommandLineOption &option, const QString &what,
+                  QString *value);
+    bool takeTheme(const QCommandLineParser &parser, const QCommandLineOption &option);
+    bool takeScale(const QCommandLineParser &parser, const QCommandLineOption &option);
+    bool takeQuitAfter(const QCommandLineParser &parser, const QCommandLineOption &option);
+
     Options m_options;
     QString m_errorString;
 };

@@ -41,6 +41,83 @@ bool isOnScreen()
     return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
 }
 
+using Options = VAppCommandLine::Options;
+
+// A screenshot run always opens its own window. It serves later starts only under a name given
+// explicitly, so that it never takes the user's own host name. True when the files went to a
+// host that already runs, and this start is over.
+bool handedToRunningHost(VAppSingleInstance &instance, const Options &options, bool explicitName)
+{
+    const bool screenshotRun = !options.screenshotPath.isEmpty();
+    if (!screenshotRun) {
+        const QStringList handed = VAppSingleInstance::absolutePaths(options.files, QDir::currentPath());
+        // The second try covers a host that started listening between our two steps.
+        if (instance.handOver(handed) || (!instance.listen() && instance.handOver(handed))) {
+            qCInfo(lcVAppHost) << "handed the files to the running host on" << instance.serverName();
+            return true;
+        }
+    } else if (explicitName) {
+        instance.listen();
+    }
+    if (!instance.isListening() && (!screenshotRun || explicitName))
+        qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
+    return false;
+}
+
+QString serverNameFor(const Options &options)
+{
+    if (!options.serverName.isEmpty())
+        return options.serverName;
+    return QString::fromLocal8Bit(qgetenv("VAPPHOST_SERVER_NAME"));
+}
+
+void prepareContainer(VAppContainer &container, const Options &options)
+{
+    container.setStartInfo(options.source, options.files);
+    container.setUsageLogPath(options.usageLogPath.isEmpty() ? VAppUsageLog::defaultFilePath()
+                                                             : options.usageLogPath);
+    if (!options.signedOut)
+        container.hostAccount()->signIn(VAppAccount::localUserName());
+}
+
+// False, after telling the user, when the add-on cannot be loaded.
+bool loadAddon(VAppAddonLoader &addon, const Options &options, VAppContainer &container, VAppHostWindow &window)
+{
+    const QString addonPath = options.addonPath.isEmpty()
+                                  ? VAppCommandLine::defaultAddonPath(QCoreApplication::applicationDirPath())
+                                  : options.addonPath;
+    if (!addon.load(addonPath)) {
+        printError(addon.errorString());
+        if (isOnScreen() && options.screenshotPath.isEmpty())
+            QMessageBox::critical(nullptr, QObject::tr("Document Merger"), addon.errorString());
+        return false;
+    }
+    if (!addon.initialize(&container))
+        qCWarning(lcVAppHost) << "the add-on did not accept the host; it runs without it";
+    window.setClientWidget(addon.createClientWidget(&window));
+    return true;
+}
+
+// After --quit-after: saves the screenshot when one is asked for, then ends the loop.
+void quitAfterDelay(const Options &options, VAppHostWindow &window, int &exitCode)
+{
+    QTimer::singleShot(options.quitAfterMs, &window, [&options, &window, &exitCode] {
+        if (!options.screenshotPath.isEmpty()) {
+            const QPixmap shot = window.grab();
+            const QString target = QFileInfo(options.screenshotPath).absoluteFilePath();
+            QDir().mkpath(QFileInfo(target).absolutePath());
+            if (shot.isNull() || !shot.save(target, "PNG")) {
+                printError(QStringLiteral("cannot save the screenshot to %1").arg(target));
+                exitCode = VAppHostApplication::ExitScreenshot;
+            } else {
+                qCInfo(lcVAppHost) << "saved the screenshot to" << target;
+            }
+        }
+        window.close();
+        QCoreApplication::quit();
+    });
+}
+
 } // namespace
 
 int VAppHostApplication::run(int &argc, char **argv)
@@ -54,12 +131,11 @@ int VAppHostApplication::run(int &argc, char **argv)
         printError(commandLine.errorString() + QStringLiteral("\nTry \"vapphost --help\"."));
         return ExitUsage;
     }
-    const VAppCommandLine::Options &options = commandLine.options();
+    const Options &options = commandLine.options();
     if (options.helpRequested) {
         std::fputs(qPrintable(VAppCommandLine::helpText(QFileInfo(arguments.first()).fileName())), stdout);
         return ExitOk;
     }
-
     const bool timed = options.quitAfterMs >= 0;
     if (!hasDisplayEnvironment()) {
         if (!timed) {
@@ -78,47 +154,26 @@ int VAppHostApplication::run(int &argc, char **argv)
     // Watched from here on; a signal before the window exists waits in the pipe until then.
     VAppQuitSignals quitSignals;
 
-    // A screenshot run always opens its own window. It serves later starts only under a
-    // name given explicitly, so that it never takes the user's own host name.
-    const bool screenshotRun = !options.screenshotPath.isEmpty();
-    QString serverName = options.serverName;
-    if (serverName.isEmpty())
-        serverName = QString::fromLocal8Bit(qgetenv("VAPPHOST_SERVER_NAME"));
-    const bool explicitName = !serverName.isEmpty();
-    if (serverName.isEmpty())
-        serverName = VAppSingleInstance::defaultServerName(VAppAccount::localUserName());
-    VAppSingleInstance instance(serverName);
-    if (!screenshotRun) {
-        const QStringList handed = VAppSingleInstance::absolutePaths(options.files, QDir::currentPath());
-        // The second try covers a host that started listening between our two steps.
-        if (instance.handOver(handed) || (!instance.listen() && instance.handOver(handed))) {
-            qCInfo(lcVAppHost) << "handed the files to the running host on" << serverName;
-            return ExitOk;
-        }
-    } else if (explicitName) {
-        instance.listen();
-    }
-    if (!instance.isListening() && (!screenshotRun || explicitName))
-        qCWarning(lcVAppHost) << "later starts will open their own window:" << instance.errorString();
+    const QString explicitName = serverNameFor(options);
+    VAppSingleInstance instance(explicitName.isEmpty() ? VAppSingleInstance::defaultServerName(VAppAccount::localUserName())
+                                                       : explicitName);
+    if (handedToRunningHost(instance, options, !explicitName.isEmpty()))
+        return ExitOk;
 
     if (options.scale > 0)
         VAppTheme::setScale(options.scale);
     VAppTheme::apply(options.theme);
 
     VAppContainer container;
-    container.setStartInfo(options.source, options.files);
-    container.setUsageLogPath(options.usageLogPath.isEmpty() ? VAppUsageLog::defaultFilePath()
-                                                             : options.usageLogPath);
-    if (!options.signedOut)
-        container.hostAccount()->signIn(VAppAccount::localUserName());
+    prepareContainer(container, options);
 
     // The cloud drive service lives as long as the host and serves whoever is signed in. A host
     // under an explicit instance name gets a drive socket of that name, so that it never takes
     // over the user's own; a screenshot run under the default name starts none.
     if (!options.driveRoot.isEmpty())
         DaloConfig::setDriveRoot(QFileInfo(options.driveRoot).absoluteFilePath());
-    if (explicitName && qEnvironmentVariableIsEmpty("DALO_DRIVE_SOCKET"))
-        DaloConfig::setSocketName(DaloConfig::socketPath(serverName + QStringLiteral("-drive")));
+    if (!explicitName.isEmpty() && qEnvironmentVariableIsEmpty("DALO_DRIVE_SOCKET"))
+        DaloConfig::setSocketName(DaloConfig::socketPath(explicitName + QStringLiteral("-drive")));
     VAppAccount *account = container.hostAccount();
     const auto signedInUser = [account] {
         AppFrameWork::VAppUserInfo info;
@@ -126,27 +181,17 @@ int VAppHostApplication::run(int &argc, char **argv)
         return info.userId;
     };
     DaloDriveProcess drive;
-    if ((!screenshotRun || explicitName) && !drive.start(signedInUser()))
+    const bool screenshotRun = !options.screenshotPath.isEmpty();
+    if ((!screenshotRun || !explicitName.isEmpty()) && !drive.start(signedInUser()))
         qCWarning(lcVAppHost) << "cloud requests will start their own service:" << drive.errorString();
     QObject::connect(account, &VAppAccount::loginChanged, &drive,
                      [&drive, signedInUser] { drive.setUser(signedInUser()); });
 
     VAppHostWindow window(&container);
     container.setMainWindow(&window);
-
-    const QString addonPath = options.addonPath.isEmpty()
-                                  ? VAppCommandLine::defaultAddonPath(QCoreApplication::applicationDirPath())
-                                  : options.addonPath;
     VAppAddonLoader addon;
-    if (!addon.load(addonPath)) {
-        printError(addon.errorString());
-        if (isOnScreen() && !screenshotRun)
-            QMessageBox::critical(nullptr, QObject::tr("Document Merger"), addon.errorString());
+    if (!loadAddon(addon, options, container, window))
         return ExitAddon;
-    }
-    if (!addon.initialize(&container))
-        qCWarning(lcVAppHost) << "the add-on did not accept the host; it runs without it";
-    window.setClientWidget(addon.createClientWidget(&window));
 
     QObject::connect(&instance, &VAppSingleInstance::filesReceived, &window,
                      [&container, &window](const QStringList &files) {
@@ -164,26 +209,9 @@ int VAppHostApplication::run(int &argc, char **argv)
     });
 
     window.show();
-
     int exitCode = ExitOk;
-    if (timed) {
-        QTimer::singleShot(options.quitAfterMs, &window, [&] {
-            if (screenshotRun) {
-                const QPixmap shot = window.grab();
-                const QString target = QFileInfo(options.screenshotPath).absoluteFilePath();
-                QDir().mkpath(QFileInfo(target).absolutePath());
-                if (shot.isNull() || !shot.save(target, "PNG")) {
-                    printError(QStringLiteral("cannot save the screenshot to %1").arg(target));
-                    exitCode = ExitScreenshot;
-                } else {
-                    qCInfo(lcVAppHost) << "saved the screenshot to" << target;
-                }
-            }
-            window.close();
-            QCoreApplication::quit();
-        });
-    }
-
+    if (timed)
+        quitAfterDelay(options, window, exitCode);
     const int loopCode = app.exec();
     addon.destroy();
     return exitCode != ExitOk ? exitCode : loopCode;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -31,6 +32,7 @@
 #include "zylrange.h"
 #include "zylsession.h"
 #include "zyltextmodel.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -57,29 +59,6 @@ const LONG kStatisticPages = 2;
 const LONG kGoToPage = 1;
 const LONG kGoToAbsolute = 1;
 const LONG kDoNotSaveChanges = 0;
-
-rtl::OUString ou(const char *ascii)
-{
-    return rtl::OUString::createFromAscii(ascii);
-}
-
-rtl::OUString toOUString(const QString &s)
-{
-    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
-}
-
-QString toQString(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
-}
-
-beans::PropertyValue property(const char *name, const uno::Any &value)
-{
-    beans::PropertyValue p;
-    p.Name = ou(name);
-    p.Value = value;
-    return p;
-}
 
 bool isOn(const rtl::OUString &value)
 {
@@ -116,14 +95,15 @@ ZylDocument::~ZylDocument()
     m_document.clear();
 }
 
-HRESULT ZylDocument::withDocument(const char *what, const std::function<HRESULT()> &work)
+HRESULT ZylDocument::withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work)
 {
     return m_session->office().call(what, [&]() -> HRESULT {
-        if (!m_session->contains(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY))) {
+        const std::shared_ptr<ZylTextModel> model = m_session->textModel(m_document);
+        if (!model) {
             qCInfo(lcZylServer) << what << "on a closed document";
             return E_FAIL;
         }
-        return work();
+        return work(*model);
     });
 }
 
@@ -137,13 +117,13 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             return hr;
         if (statistic != kStatisticPages)
             return E_INVALIDARG;
-        return withDocument("ComputeStatistics", [&] {
-            setResult(result, LONG(ZylTextModel(m_document).pageCount()));
+        return withDocument("ComputeStatistics", [&](ZylTextModel &model) {
+            setResult(result, LONG(model.pageCount()));
             return S_OK;
         });
     }
     case ProtectionType:
-        return withDocument("ProtectionType", [&] {
+        return withDocument("ProtectionType", [&](ZylTextModel &) {
             setResult(result, LONG(protection()));
             return S_OK;
         });
@@ -152,7 +132,7 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         HRESULT hr = optionalInt(args, 0, kDoNotSaveChanges, &saveChanges);
         if (FAILED(hr))
             return hr;
-        return withDocument("Close", [&]() -> HRESULT {
+        return withDocument("Close", [&](ZylTextModel &) -> HRESULT {
             if (saveChanges != kDoNotSaveChanges) {
                 const HRESULT saved = save();
                 if (FAILED(saved))
@@ -162,7 +142,7 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         });
     }
     case Save:
-        return withDocument("Save", [&] { return save(); });
+        return withDocument("Save", [&](ZylTextModel &) { return save(); });
     case SaveAs2: {
         QString path;
         HRESULT hr = toText(args[0], &path);
@@ -177,14 +157,19 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             qCInfo(lcZylServer) << "no format to save" << path << "as (code" << format << ")";
             return E_INVALIDARG;
         }
-        return withDocument("SaveAs2", [&] { return saveAs(path, filter); });
+        return withDocument("SaveAs2", [&](ZylTextModel &) { return saveAs(path, filter); });
     }
     case Undo: {
         LONG count = 1;
         HRESULT hr = optionalInt(args, 0, 1, &count);
         if (FAILED(hr))
             return hr;
-        return withDocument("Undo", [&] { return undo(int(count)); });
+        return withDocument("Undo", [&](ZylTextModel &model) {
+            const HRESULT undone = undo(int(count));
+            // An undo can change anything; the model reads the document afresh.
+            model.invalidate();
+            return undone;
+        });
     }
     case GoTo: {
         LONG what = kGoToPage, which = kGoToAbsolute, page = 1;
@@ -197,9 +182,9 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             return hr;
         if (what != kGoToPage || which != kGoToAbsolute)
             return E_INVALIDARG;
-        return withDocument("GoTo", [&]() -> HRESULT {
+        return withDocument("GoTo", [&](ZylTextModel &model) -> HRESULT {
             LONG position = 0;
-            const HRESULT found = ZylTextModel(m_document).pageStart(int(page), &position);
+            const HRESULT found = model.pageStart(int(page), &position);
             if (FAILED(found))
                 return found;
             setResult(result, new ZylRange(m_session, m_document, position, position));
@@ -216,8 +201,8 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         const bool hasEnd = args.size() > 1 && !isMissing(args[1]);
         if (start < 0 || (hasEnd && end < 0))
             return E_INVALIDARG;
-        return withDocument("Range", [&]() -> HRESULT {
-            const LONG last = ZylTextModel(m_document).endPosition();
+        return withDocument("Range", [&](ZylTextModel &model) -> HRESULT {
+            const LONG last = model.endPosition();
             LONG s = std::min(start, last);
             LONG e = hasEnd ? std::min(end, last) : last;
             if (e < s)
@@ -232,13 +217,13 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
 
 int ZylDocument::protection()
 {
-    uno::Reference<frame::XStorable> storable(m_document, uno::UNO_QUERY);
+    // The document's own wish, not the storable's state: every document is loaded read-only.
     uno::Reference<lang::XMultiServiceFactory> factory(m_document, uno::UNO_QUERY_THROW);
     uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
                                                  uno::UNO_QUERY_THROW);
     bool loadReadonly = false;
     settings->getPropertyValue(ou("LoadReadonly")) >>= loadReadonly;
-    if (loadReadonly || (storable.is() && storable->isReadonly()))
+    if (loadReadonly)
         return AllowOnlyReading;
     bool protectForm = false;
     settings->getPropertyValue(ou("ProtectForm")) >>= protectForm;
@@ -315,8 +300,9 @@ int ZylDocument::protection()
 
 HRESULT ZylDocument::save()
 {
-    uno::Reference<frame::XStorable> storable(m_document, uno::UNO_QUERY_THROW);
-    if (storable->isReadonly())
+    // Every document is loaded read-only and written through a file of its own; one that asks
+    // to be read-only still is not saved in place.
+    if (protection() == AllowOnlyReading)
         return E_ACCESSDENIED;
     const QString filter = ZylFilters::exportFilter(false, 0, m_path, m_loadFilter);
     if (filter.isEmpty())
@@ -339,6 +325,27 @@ HRESULT ZylDocument::saveAs(const QString &path, const QString &filter)
     }
     return storeAtomically(target.absoluteFilePath(), filter, false);
 }
+
+namespace {
+
+// 0666 less the umask. Read from /proc, so that no thread ever sees a changed umask.
+mode_t newFileMode()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+            if (!line.startsWith("Umask:"))
+                continue;
+            bool ok = false;
+            const uint mask = line.mid(6).trimmed().toUInt(&ok, 8);
+            if (ok)
+                return mode_t(0666 & ~mask);
+        }
+    }
+    return 0644;
+}
+
+} // namespace
 
 HRESULT ZylDocument::storeAtomically(const QString &target, const QString &filter, bool mayReplace)
 {
@@ -363,6 +370,13 @@ HRESULT ZylDocument::storeAtomically(const QString &target, const QString &filte
     }
     const QByteArray from = QFile::encodeName(tempPath);
     const QByteArray to = QFile::encodeName(target);
+    // The temporary file is private; the document gets the mode the file it replaces had, or
+    // that of any new file of this user.
+    struct stat existing = {};
+    const mode_t mode = mayReplace && ::stat(to.constData(), &existing) == 0 ? (existing.st_mode & 07777)
+                                                                              : newFileMode();
+    if (::chmod(from.constData(), mode) != 0)
+        qCWarning(lcZylServer) << "cannot set the mode of" << target << ":" << strerror(errno);
     if (mayReplace) {
         if (::rename(from.constData(), to.constData()) != 0) {
             qCWarning(lcZylServer) << "cannot move the saved file into place:" << strerror(errno);

@@ -16,6 +16,7 @@
 #include "zyllog.h"
 #include "zyloffice.h"
 #include "zylsession.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -30,23 +31,6 @@ const std::vector<ZylDispatch::Member> &members()
     return table;
 }
 
-beans::PropertyValue property(const char *name, const uno::Any &value)
-{
-    beans::PropertyValue p;
-    p.Name = rtl::OUString::createFromAscii(name);
-    p.Value = value;
-    return p;
-}
-
-rtl::OUString toOUString(const QString &s)
-{
-    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
-}
-
-QString toQString(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
-}
 } // namespace
 
 ZylDocuments::ZylDocuments(std::shared_ptr<ZylSession> session)
@@ -86,6 +70,8 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
     return m_session->office().call("Open", [&]() -> HRESULT {
         std::vector<beans::PropertyValue> props = {
             property("Hidden", uno::Any(true)),
+            // The user's file is never written through the loaded document.
+            property("ReadOnly", uno::Any(true)),
             property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
             property("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
             property("InteractionHandler", uno::Any(uno::Reference<task::XInteractionHandler>(new ZylInteractionHandler))),
@@ -96,7 +82,7 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
         const uno::Sequence<beans::PropertyValue> descriptor(props.data(), sal_Int32(props.size()));
 
         uno::Reference<lang::XComponent> component = m_session->office().desktop()->loadComponentFromURL(
-            toOUString(url), rtl::OUString::createFromAscii("_blank"), 0, descriptor);
+            toOUString(url), ou("_blank"), 0, descriptor);
         if (!component.is()) {
             qCInfo(lcZylServer) << "the office cannot open" << absolute;
             return E_FAIL;
@@ -114,8 +100,8 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
         }
         uno::Reference<lang::XServiceInfo> serviceInfo(component, uno::UNO_QUERY);
         const bool isText = textDocument.is() && serviceInfo.is()
-            && serviceInfo->supportsService(rtl::OUString::createFromAscii("com.sun.star.text.TextDocument"))
-            && !serviceInfo->supportsService(rtl::OUString::createFromAscii("com.sun.star.text.GlobalDocument"));
+            && serviceInfo->supportsService(ou("com.sun.star.text.TextDocument"))
+            && !serviceInfo->supportsService(ou("com.sun.star.text.GlobalDocument"));
         if (!model.is() || !isText || !ZylFilters::isDocumentFilter(filter)) {
             qCInfo(lcZylServer) << absolute << "is not a word-processing document (filter" << filter << ")";
             ZylSession::closeModel(model.is() ? model : uno::Reference<frame::XModel>());
@@ -123,7 +109,7 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
                 component->dispose();
             return E_FAIL;
         }
-        m_session->add(model);
+        m_session->add(textDocument);
         setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
         return S_OK;
     });

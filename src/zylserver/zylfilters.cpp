@@ -1,6 +1,32 @@
 #include "zylfilters.h"
 
+#include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
+
+namespace {
+
+// The media type an OpenDocument package names in its first entry, "mimetype", which the format
+// stores uncompressed right after the entry's local header; empty for anything else.
+QByteArray packageMediaType(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    const QByteArray head = file.read(30 + 8 + 128);
+    if (head.size() < 38 || !head.startsWith("PK\x03\x04"))
+        return QByteArray();
+    const auto *bytes = reinterpret_cast<const uchar *>(head.constData());
+    const quint16 method = qFromLittleEndian<quint16>(bytes + 8);
+    const quint32 size = qFromLittleEndian<quint32>(bytes + 18);
+    const quint16 nameLength = qFromLittleEndian<quint16>(bytes + 26);
+    const quint16 extraLength = qFromLittleEndian<quint16>(bytes + 28);
+    if (method != 0 || nameLength != 8 || head.mid(30, 8) != "mimetype")
+        return QByteArray();
+    return head.mid(30 + nameLength + extraLength, int(size));
+}
+
+} // namespace
 
 QString ZylFilters::exportFilterForExtension(const QString &path)
 {
@@ -49,6 +75,12 @@ QString ZylFilters::importFilterFor(const QString &path)
     // Detected by name, HTML would open as a web page without pages.
     if (suffix == QLatin1String("html") || suffix == QLatin1String("htm"))
         return QStringLiteral("HTML (StarWriter)");
+    // The web and master variants of OpenDocument text would open as documents of their own
+    // kind, without pages or without text of their own; read as text they are ordinary ones.
+    const QByteArray type = packageMediaType(path);
+    if (type == "application/vnd.oasis.opendocument.text-web"
+        || type == "application/vnd.oasis.opendocument.text-master")
+        return QStringLiteral("writer8");
     return QString();
 }
 

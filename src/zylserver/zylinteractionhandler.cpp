@@ -8,6 +8,7 @@
 #include <QString>
 
 #include "zyllog.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -26,7 +27,7 @@ void ZylInteractionHandler::handle(const uno::Reference<task::XInteractionReques
 
     task::ErrorCodeRequest errorCode;
     const bool isWarning = (what >>= errorCode) && (errorCode.ErrCode & kWarningFlag);
-    qCInfo(lcZylServer) << "office asks:" << QString::fromUtf16(reinterpret_cast<const char16_t *>(typeName.getStr()), typeName.getLength())
+    qCInfo(lcZylServer) << "office asks:" << toQString(typeName)
                         << (isWarning ? "(warning)" : "");
 
     uno::Reference<task::XInteractionContinuation> choice;

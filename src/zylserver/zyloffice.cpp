@@ -1,5 +1,6 @@
 #include "zyloffice.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -27,6 +28,7 @@
 
 #include "zyllog.h"
 #include "zylofficeguardian.h"
+#include "zyluno.h"
 
 using namespace css;
 
@@ -51,11 +53,6 @@ int &runningProcesses()
 {
     static int count = 0;
     return count;
-}
-
-QString toQString(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
 }
 
 const char *const kProfileSettings =
@@ -108,6 +105,33 @@ bool profileDir(std::string *dir, QString *error)
     return true;
 }
 
+// How often a running call's office is looked at.
+const std::chrono::milliseconds kCpuSampleInterval(1000);
+
+// User plus system time of the process in clock ticks, from /proc/<pid>/stat; -1 when unknown.
+long long cpuTicks(pid_t pid)
+{
+    if (pid <= 1)
+        return -1;
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray line = stat.readAll();
+    // The name in parentheses may hold spaces: the fields are counted after its end.
+    const int nameEnd = line.lastIndexOf(')');
+    if (nameEnd < 0)
+        return -1;
+    const QList<QByteArray> fields = line.mid(nameEnd + 2).split(' ');
+    // Fields 14 and 15 of the line, utime and stime, counted from the state (field 3).
+    if (fields.size() < 13)
+        return -1;
+    bool userOk = false;
+    bool systemOk = false;
+    const long long user = fields.at(11).toLongLong(&userOk);
+    const long long system = fields.at(12).toLongLong(&systemOk);
+    return userOk && systemOk ? user + system : -1;
+}
+
 void closeInheritedFiles()
 {
     const int maxFd = int(sysconf(_SC_OPEN_MAX));
@@ -125,6 +149,16 @@ std::chrono::milliseconds ZylOffice::callTimeout()
     if (ok && seconds > 0)
         return std::chrono::milliseconds(qint64(seconds * 1000));
     return std::chrono::seconds(120);
+}
+
+std::chrono::milliseconds ZylOffice::hangTimeout()
+{
+    const QByteArray value = qgetenv("VZYL_HANG_TIMEOUT");
+    bool ok = false;
+    const double seconds = value.toDouble(&ok);
+    if (ok && seconds > 0)
+        return std::chrono::milliseconds(qint64(seconds * 1000));
+    return std::chrono::seconds(20);
 }
 
 std::shared_ptr<ZylOffice> ZylOffice::acquire(QString *error)
@@ -380,22 +414,42 @@ HRESULT ZylOffice::call(const char *what, const std::function<HRESULT()> &work)
 
 void ZylOffice::watchdogLoop()
 {
+    const std::chrono::milliseconds frozenLimit = hangTimeout();
     std::unique_lock<std::mutex> lock(m_stateMutex);
+    std::chrono::steady_clock::time_point watched;
+    long long lastTicks = -1;
+    std::chrono::steady_clock::time_point lastProgress;
     while (!m_stopWatchdog) {
         if (!m_callRunning) {
             m_watchdogWake.wait(lock);
             continue;
         }
         const auto deadline = m_deadline;
-        m_watchdogWake.wait_until(lock, deadline);
+        if (deadline != watched) {
+            watched = deadline;
+            lastTicks = -1;
+            lastProgress = std::chrono::steady_clock::now();
+        }
+        m_watchdogWake.wait_until(lock, std::min(deadline, std::chrono::steady_clock::now() + kCpuSampleInterval));
         if (m_stopWatchdog || !m_callRunning || m_deadline != deadline)
             continue;
-        if (std::chrono::steady_clock::now() < deadline)
+        const auto now = std::chrono::steady_clock::now();
+        // A busy office, however slow, uses processor time; an office that uses none while a
+        // call waits on it is frozen. Without a reading the office counts as busy.
+        const long long ticks = cpuTicks(m_pid);
+        if (ticks < 0 || ticks != lastTicks) {
+            lastTicks = ticks;
+            lastProgress = now;
+        }
+        const bool frozen = now - lastProgress >= frozenLimit;
+        if (now < deadline && !frozen)
             continue;
         m_callRunning = false; // tells the caller that its call was cut short
         m_dead = true;
         if (m_pid > 1 && !m_reaped) {
-            qCWarning(lcZylServer) << "office" << m_pid << "does not answer; killing it";
+            qCWarning(lcZylServer) << "office" << m_pid
+                                   << (frozen ? "has used no processor time for a while" : "does not answer")
+                                   << "; killing it";
             kill(m_pid, SIGKILL);
         }
     }

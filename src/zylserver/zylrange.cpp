@@ -3,8 +3,6 @@
 #include <QFileInfo>
 #include <QUrl>
 
-#include <com/sun/star/frame/XModel.hpp>
-
 #include "zyllog.h"
 #include "zyloffice.h"
 #include "zylsession.h"
@@ -49,14 +47,15 @@ ZylRange::~ZylRange()
     m_document.clear();
 }
 
-HRESULT ZylRange::withDocument(const char *what, const std::function<HRESULT()> &work)
+HRESULT ZylRange::withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work)
 {
     return m_session->office().call(what, [&]() -> HRESULT {
-        if (!m_session->contains(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY))) {
+        const std::shared_ptr<ZylTextModel> model = m_session->textModel(m_document);
+        if (!model) {
             qCInfo(lcZylServer) << what << "on a range of a closed document";
             return E_FAIL;
         }
-        return work();
+        return work(*model);
     });
 }
 
@@ -85,8 +84,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         return S_OK;
     }
     case Delete:
-        return withDocument("Delete", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("Delete", [&](ZylTextModel &model) -> HRESULT {
             // A collapsed range deletes the character after it.
             const LONG end = m_end > m_start ? m_end : m_start + 1;
             const HRESULT hr = model.deleteRange(m_start, end);
@@ -103,8 +101,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         }
         if (kind != PageBreak && kind != SectionBreakNextPage)
             return E_INVALIDARG;
-        return withDocument("InsertBreak", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("InsertBreak", [&](ZylTextModel &model) -> HRESULT {
             if (m_end > m_start) {
                 const HRESULT hr = model.deleteRange(m_start, m_end);
                 if (FAILED(hr))
@@ -117,8 +114,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         });
     }
     case InsertParagraph:
-        return withDocument("InsertParagraph", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("InsertParagraph", [&](ZylTextModel &model) -> HRESULT {
             if (m_end > m_start) {
                 const HRESULT hr = model.deleteRange(m_start, m_end);
                 if (FAILED(hr))
@@ -140,8 +136,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             return E_INVALIDARG;
         }
         const QString url = QString::fromLatin1(QUrl::fromLocalFile(info.absoluteFilePath()).toEncoded());
-        return withDocument("InsertFile", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("InsertFile", [&](ZylTextModel &model) -> HRESULT {
             const LONG before = model.endPosition();
             const HRESULT inserted = model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <unistd.h>
 
 #include "fakezylserver.h"
 
@@ -25,6 +26,7 @@ private slots:
     void merge();
     void mergeJson();
     void existingOutputIsKept();
+    void concurrentRunsKeepTheirFiles();
     void interrupt_data();
     void interrupt();
 
@@ -37,6 +39,12 @@ private:
     Run run(const QStringList &arguments, const QProcessEnvironment &extra = QProcessEnvironment());
     QProcessEnvironment environment(const QProcessEnvironment &extra) const;
     QString path(const QString &name) const { return m_dir.filePath(name); }
+    // The working trees left in the user's private root.
+    QStringList workTrees() const
+    {
+        return QDir(m_tmp.filePath(QStringLiteral("vdocumentmerger-%1").arg(::getuid())))
+            .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+    }
 
     QTemporaryDir m_dir;
     QTemporaryDir m_tmp;
@@ -85,7 +93,7 @@ tst_DocMerge::Run tst_DocMerge::run(const QStringList &arguments, const QProcess
     result.out = QString::fromLocal8Bit(process.readAllStandardOutput());
     result.err = QString::fromLocal8Bit(process.readAllStandardError());
     // The working folders go with every run.
-    if (QFileInfo::exists(m_tmp.filePath(QStringLiteral("vdocumentmerger"))))
+    if (!workTrees().isEmpty())
         result.exitCode = -2;
     return result;
 }
@@ -222,6 +230,40 @@ void tst_DocMerge::existingOutputIsKept()
     QCOMPARE(FakeZylServer::readDocument(path("out.docx")), QStringList{"precious"});
 }
 
+// A run that ends while another one waits with its working copy must leave that copy alone.
+void tst_DocMerge::concurrentRunsKeepTheirFiles()
+{
+    const QString gate = path(QStringLiteral("gate"));
+    QFile::remove(gate);
+    QFile::remove(gate + QStringLiteral(".held"));
+    QProcessEnvironment extra;
+    // The second open is that of the first source's working copy, the target.
+    extra.insert(QStringLiteral("FAKEZYL_HOLD"), QStringLiteral("Open:2:%1").arg(gate));
+    QProcess held;
+    held.setProcessEnvironment(environment(extra));
+    held.setWorkingDirectory(m_dir.path());
+    held.start(QStringLiteral(DOCMERGE_PROGRAM), {"merge", "-o", "first.docx", "a.docx", "b.doc"});
+    QVERIFY(held.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(gate + QStringLiteral(".held")), 20000);
+
+    QProcess other;
+    other.setProcessEnvironment(environment(QProcessEnvironment()));
+    other.setWorkingDirectory(m_dir.path());
+    other.start(QStringLiteral(DOCMERGE_PROGRAM), {"merge", "-o", "second.docx", "c.zyl:1", "b.doc:2"});
+    QVERIFY(other.waitForFinished(30000));
+    QCOMPARE(other.exitCode(), 0);
+    QCOMPARE(FakeZylServer::readDocument(path("second.docx")), QStringList({"C1", "B2"}));
+    QCOMPARE(workTrees(), QStringList{QString::number(held.processId())});
+
+    QFile open(gate);
+    QVERIFY(open.open(QIODevice::WriteOnly));
+    open.close();
+    QVERIFY(held.waitForFinished(30000));
+    QCOMPARE(held.exitCode(), 0);
+    QCOMPARE(FakeZylServer::readDocument(path("first.docx")), QStringList({"A1", "A2", "A3", "B1", "B2"}));
+    QVERIFY(workTrees().isEmpty());
+}
+
 void tst_DocMerge::interrupt_data()
 {
     QTest::addColumn<QString>("command");
@@ -267,7 +309,7 @@ void tst_DocMerge::interrupt()
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 128 + signalNumber);
     QVERIFY(!QFileInfo::exists(path("out.docx")));
-    QVERIFY(!QFileInfo::exists(m_tmp.filePath(QStringLiteral("vdocumentmerger"))));
+    QVERIFY(workTrees().isEmpty());
     if (command == QLatin1String("count"))
         QCOMPARE(QString::fromLocal8Bit(process.readAllStandardOutput()), QStringLiteral("3\ta.docx\n"));
 }

@@ -3,6 +3,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
+#include <unistd.h>
+
 #include "zyltestdocuments.h"
 
 // docmerge against the real word-processor server.
@@ -16,6 +19,7 @@ private slots:
     void countCorpus();
     void merge_data();
     void merge();
+    void frozenOfficeFailsTheMerge();
 
 private:
     struct Run {
@@ -167,6 +171,62 @@ void tst_DocMergeOffice::merge()
     QVERIFY2(pages == expected, qPrintable(QStringLiteral("pages:\n  %1\nexpected:\n  %2")
                                                .arg(pages.join(QStringLiteral("\n  ")), expected.join(QStringLiteral("\n  ")))));
     QCOMPARE(checksum(alpha) + checksum(bravo) + checksum(charlie), sums);
+}
+
+namespace {
+
+// The office processes that parent started.
+QList<pid_t> officesOf(qint64 parent)
+{
+    QList<pid_t> offices;
+    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString &entry : entries) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(entry));
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray line = stat.readAll();
+        const int nameEnd = line.lastIndexOf(')');
+        const QList<QByteArray> fields = line.mid(nameEnd + 2).split(' ');
+        if (line.contains("(soffice.bin)") && fields.size() > 1 && fields.at(1).toLongLong() == parent)
+            offices << pid_t(entry.toInt());
+    }
+    return offices;
+}
+
+} // namespace
+
+// An office that stops running mid-merge fails the merge well before the flat call limit.
+void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
+{
+    const QString alpha = source(QStringLiteral("Alpha"), QStringLiteral("docx"), 4);
+    const QString bravo = source(QStringLiteral("Bravo"), QStringLiteral("docx"), 3);
+    const QString charlie = source(QStringLiteral("Charlie"), QStringLiteral("docx"), 5);
+    QVERIFY(!alpha.isEmpty() && !bravo.isEmpty() && !charlie.isEmpty());
+    const QString target = m_dir.filePath(QStringLiteral("frozen.docx"));
+    QFile::remove(target);
+
+    QProcess process;
+    process.setWorkingDirectory(m_dir.path());
+    process.start(QStringLiteral(DOCMERGE_PROGRAM), {QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo, charlie});
+    QVERIFY(process.waitForStarted());
+    // The second source's working copy appears once the target is open: the merge is under way.
+    const QString tempsplit = QStringLiteral("%1/vdocumentmerger-%2/%3/tempsplit")
+                                  .arg(QDir::tempPath()).arg(::getuid()).arg(process.processId());
+    QTRY_VERIFY_WITH_TIMEOUT(!QDir(tempsplit).isEmpty(QDir::Files), 120000);
+    const QList<pid_t> offices = officesOf(process.processId());
+    QCOMPARE(offices.size(), 1);
+    QCOMPARE(::kill(offices.first(), SIGSTOP), 0);
+    QElapsedTimer timer;
+    timer.start();
+
+    QVERIFY(process.waitForFinished(120000));
+    QVERIFY2(timer.elapsed() < 30000, qPrintable(QStringLiteral("ended after %1 ms").arg(timer.elapsed())));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(!QFileInfo::exists(target));
+    QVERIFY2(::kill(offices.first(), 0) != 0, "the frozen office was left behind");
+
+    const Run next = run({QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo}, 600000);
+    QVERIFY2(next.exitCode == 0, qPrintable(next.err));
 }
 
 QTEST_GUILESS_MAIN(tst_DocMergeOffice)

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <signal.h>
 #include <thread>
@@ -64,12 +66,48 @@ QVector<Page> afterTable()
             {"four", Page::Text, 0}};
 }
 
+// Page starts of every page, checked to agree with page ends and the end of the document.
+QVector<LONG> checkedPageStarts(IDispatch *doc, int expectedPages)
+{
+    QVector<LONG> starts;
+    LONG count = 0;
+    if (FAILED(A::pageCount(doc, &count)) || count != expectedPages) {
+        qWarning("%ld pages, expected %d", long(count), expectedPages);
+        return {};
+    }
+    LONG whole = 0;
+    ComPtr<IDispatch> range;
+    if (FAILED(A::methodObject(doc, QStringLiteral("Range"), {}, &range)) || FAILED(A::getInt(range.get(), QStringLiteral("End"), &whole)))
+        return {};
+    for (LONG n = 1; n <= count; ++n) {
+        LONG start = 0, end = 0;
+        if (FAILED(A::pageStart(doc, n, &start)) || FAILED(A::pageEnd(doc, n, &end)))
+            return {};
+        if ((!starts.isEmpty() && start <= starts.last()) || end <= start || (n == count && end != whole)) {
+            qWarning("page %ld runs from %ld to %ld (document end %ld)", long(n), long(start), long(end), long(whole));
+            return {};
+        }
+        starts.append(start);
+    }
+    return starts;
+}
+
 QString zipEntryHint(const QString &path)
 {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly))
         return QString();
     return QString::fromLatin1(f.read(4096).toHex());
+}
+
+} // namespace
+
+namespace {
+
+mode_t fileMode(const QString &path)
+{
+    struct stat st = {};
+    return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? (st.st_mode & 07777) : 0;
 }
 
 } // namespace
@@ -100,10 +138,13 @@ private slots:
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
+    void editsMatchFreshReading_data();
+    void editsMatchFreshReading();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
     void saveReplacesAtomically();
+    void webVariantIsATextDocument();
     void badFilesFailQuickly_data();
     void badFilesFailQuickly();
     void openingLeavesNoLockFile();
@@ -718,6 +759,63 @@ void tst_ZylServer::appendAfterCutThroughTable()
     QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
 }
 
+void tst_ZylServer::editsMatchFreshReading_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
+    QTest::newRow("plain_docx") << "step-plain.docx" << textPages({"one", "two", "three", "four", "five", "six"});
+    QTest::newRow("tables_zyl") << "step-tables.zyl"
+        << QVector<Page>{{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"three", Page::Text, 0},
+                         {"table four", Page::TableStart, 0}, {"five", Page::Text, 0}, {"six", Page::Text, 0}};
+    QTest::newRow("blank_pages_zyl") << "step-blank.zyl" << rightPages() + textPages({"five", "six"});
+}
+
+void tst_ZylServer::editsMatchFreshReading()
+{
+    // A merge edits a document at its start, in its middle and at its end, asking for pages in
+    // between; what the server answers after each edit must be what it reads from the document
+    // once it is opened afresh.
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
+    const QString appended = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString work = m_dir.filePath(QStringLiteral("work-") + name);
+    QFile::remove(work);
+    QVERIFY(QFile::copy(pageDoc(name, pages), work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    QStringList expected;
+    for (const Page &page : pages)
+        expected.append(page.text);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+
+    QCOMPARE(A::deletePages(doc.get(), 3, 3), S_OK);
+    expected.removeAt(2);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::deletePages(doc.get(), 1, 1), S_OK);
+    expected.removeAt(0);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::appendDocument(doc.get(), appended), S_OK);
+    expected << "second alpha" << "second bravo" << "second charlie";
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::deletePages(doc.get(), expected.size(), expected.size()), S_OK);
+    expected.removeLast();
+    const QVector<LONG> kept = checkedPageStarts(doc.get(), expected.size());
+    QVERIFY(!kept.isEmpty());
+
+    const QString saved = m_dir.filePath(QStringLiteral("stepped-") + QFileInfo(name).completeBaseName() + QStringLiteral(".zyl"));
+    QFile::remove(saved);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(saved), A::i4(0), A::empty(), A::text(QString()), A::i4(0)}), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    ComPtr<IDispatch> fresh;
+    QCOMPARE(A::open(m_app.get(), saved, &fresh), S_OK);
+    QCOMPARE(checkedPageStarts(fresh.get(), expected.size()), kept);
+    QCOMPARE(A::method(fresh.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(saved);
+    QCOMPARE(texts.size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i)
+        QVERIFY2(texts[i].startsWith(expected[i]), qPrintable(QStringLiteral("page %1 is '%2', wanted '%3'").arg(i + 1).arg(texts[i], expected[i])));
+}
+
 void tst_ZylServer::saveAsFormats_data()
 {
     QTest::addColumn<QString>("target");
@@ -744,12 +842,16 @@ void tst_ZylServer::saveAsFormats()
     const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     const QString path = m_dir.filePath(target);
     QFile::remove(path);
+    // The saved file gets the mode of any new file, not that of the private temporary one.
+    const mode_t oldMask = ::umask(027);
+    auto restoreMask = qScopeGuard([oldMask] { ::umask(oldMask); });
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), source, &doc), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"),
                        {A::text(path), format.isValid() ? A::i4(format.toInt()) : A::empty(), A::empty(), A::text(QString()), A::i4(0)}),
              S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(fileMode(path), mode_t(0640));
 
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -788,17 +890,48 @@ void tst_ZylServer::saveAsRefusesExistingTarget()
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
 }
 
+void tst_ZylServer::webVariantIsATextDocument()
+{
+    const QString html = m_dir.filePath(QStringLiteral("web-source.html"));
+    QFile source(html);
+    QVERIFY(source.open(QIODevice::WriteOnly));
+    source.write("<html><body><p>web one</p><p style=\"page-break-before: always\">web two</p></body></html>");
+    source.close();
+    const QString web = m_dir.filePath(QStringLiteral("web.oth"));
+    QFile::remove(web);
+    QString error;
+    QVERIFY2(ZylTestDocuments::convert(html, web, &error), qPrintable(error));
+    // Named as users name their documents.
+    const QString path = m_dir.filePath(QStringLiteral("web.zyl"));
+    QFile::remove(path);
+    QVERIFY(QFile::copy(web, path));
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, LONG(2));
+    const QString saved = m_dir.filePath(QStringLiteral("web-saved.docx"));
+    QFile::remove(saved);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(saved), A::i4(12), A::empty(), A::text(QString()), A::i4(0)}),
+             S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(saved), QStringList({"web one", "web two"}));
+}
+
 void tst_ZylServer::saveReplacesAtomically()
 {
     const QString source = pageDoc(QStringLiteral("plain.doc"), textPages({"page one", "page two", "page three", "page four"}));
     const QString work = m_dir.filePath(QStringLiteral("save-work.doc"));
     QFile::remove(work);
     QVERIFY(QFile::copy(source, work));
+    QCOMPARE(::chmod(QFile::encodeName(work).constData(), 0604), 0);
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
     QCOMPARE(A::deletePages(doc.get(), 2, 2), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(fileMode(work), mode_t(0604));
     QFile file(work);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.read(4) == QByteArray("\xD0\xCF\x11\xE0", 4)); // still the format it was loaded in

@@ -1,12 +1,8 @@
 #include "engine/innerinfoprovider.h"
 
-#include <QReadLocker>
-#include <QWriteLocker>
-
 InnerInfoProvider::InnerInfoProvider(const QStringList &fileList)
     : m_fileList(fileList)
 {
-    setAutoDelete(false);
 }
 
 InnerInfoProvider::~InnerInfoProvider() = default;
@@ -19,21 +15,4 @@ QStringList InnerInfoProvider::fileList() const
 void InnerInfoProvider::setFileList(const QStringList &fileList)
 {
     m_fileList = fileList;
-}
-
-bool InnerInfoProvider::isCanceled() const
-{
-    QReadLocker locker(&m_cancelLock);
-    return m_canceled;
-}
-
-void InnerInfoProvider::cancelTask()
-{
-    QWriteLocker locker(&m_cancelLock);
-    m_canceled = true;
-}
-
-void InnerInfoProvider::finishRun()
-{
-    deleteLater();
 }

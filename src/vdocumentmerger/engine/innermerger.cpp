@@ -1,12 +1,6 @@
 #include "engine/innermerger.h"
 
-#include <QReadLocker>
-#include <QWriteLocker>
-
-InnerMerger::InnerMerger()
-{
-    setAutoDelete(false);
-}
+InnerMerger::InnerMerger() = default;
 
 InnerMerger::~InnerMerger() = default;
 
@@ -36,21 +30,4 @@ QString InnerMerger::workPath() const
 bool InnerMerger::convertFormat() const
 {
     return m_convertFormat;
-}
-
-bool InnerMerger::isCanceled() const
-{
-    QReadLocker locker(&m_cancelLock);
-    return m_canceled;
-}
-
-void InnerMerger::cancelTask()
-{
-    QWriteLocker locker(&m_cancelLock);
-    m_canceled = true;
-}
-
-void InnerMerger::finishRun()
-{
-    deleteLater();
 }

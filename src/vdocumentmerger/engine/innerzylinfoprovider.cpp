@@ -39,10 +39,7 @@ int InnerZylInfoProvider::countPages(const QString &path, int &count)
 
 void InnerZylInfoProvider::run()
 {
-    const HRESULT apartment = CoInitialize(nullptr);
-    bool ready = SUCCEEDED(apartment);
-    if (ready && !hasApplication())
-        ready = SUCCEEDED(createApplication());
+    const bool ready = enterRun();
 
     if (ready) {
         const QStringList files = fileList();
@@ -60,12 +57,7 @@ void InnerZylInfoProvider::run()
         }
     }
 
-    if (hasApplication()) {
-        quitApplication();
-        releaseApplication();
-    }
-    if (SUCCEEDED(apartment))
-        CoUninitialize();
+    leaveRun();
 
     if (!isCanceled())
         emit taskFinished(fileList(), ready);

@@ -5,7 +5,7 @@
 
 // Counts pages through the word processor: one application object per run, each file opened
 // as it stands (never copied, never saved), protected documents refused.
-class VDOCUMENTMERGER_EXPORT InnerZylInfoProvider : public InnerInfoProvider, public InnerZylProcessor {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerZylInfoProvider : public InnerInfoProvider, public InnerZylProcessor {
     Q_OBJECT
 public:
     explicit InnerZylInfoProvider(const QStringList &fileList = QStringList());

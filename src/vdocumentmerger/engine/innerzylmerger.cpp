@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "engine/enginelog.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
 
@@ -29,18 +29,12 @@ void InnerZylMerger::run()
     const QString output = toForwardSlashes(outputPath());
     // A file already there is never ours: the merge refuses to start on it.
     const bool outputTaken = QFile::exists(output);
-    const HRESULT apartment = CoInitialize(nullptr);
-    if (SUCCEEDED(apartment) && (hasApplication() || SUCCEEDED(createApplication()))) {
+    if (enterRun()) {
         emit initFinished();
         result = merge();
     }
 
-    if (hasApplication()) {
-        quitApplication();
-        releaseApplication();
-    }
-    if (SUCCEEDED(apartment))
-        CoUninitialize();
+    leaveRun();
 
     // A failed run leaves nothing half-written at the output path.
     if (result != 0 && !outputTaken)
@@ -117,7 +111,7 @@ HRESULT InnerZylMerger::appendFile(IDispatch *target, const QString &path, int f
 {
     if (from < 1 || to < 1 || !QFile::exists(path) || !hasApplication() || !target)
         return E_FAIL;
-    const QString tempPath = VMEnv::workCopyPath(path, 1);
+    const QString tempPath = VMWorkFolders::copyPath(path, 1);
     if (tempPath.isEmpty())
         return E_FAIL;
     HRESULT hr = extractPages(path, from, pageCount(from, to), tempPath);

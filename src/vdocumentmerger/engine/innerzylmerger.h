@@ -6,7 +6,7 @@
 // Merges through the word processor: the first source's chosen pages, copied to workPath, become
 // the target; every further source is copied, cut to its pages and appended behind a page break;
 // the target is saved at outputPath. Sources are never opened themselves, only their copies.
-class VDOCUMENTMERGER_EXPORT InnerZylMerger : public InnerMerger, public InnerZylProcessor {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerZylMerger : public InnerMerger, public InnerZylProcessor {
     Q_OBJECT
 public:
     InnerZylMerger();

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <string>
 
+#include <vcomrt/scopedvariant.h>
+
 #include "engine/enginelog.h"
 
 namespace {
@@ -24,71 +26,53 @@ const LONG kGoToAbsolute = 1;
 const LONG kCollapseEnd = 0;
 const LONG kPageBreak = 7;
 
-// Up to five arguments, cleared however the call ends.
+// Up to five arguments, each owned by a ScopedVariant; data() lends them to one call.
 class Args {
 public:
-    Args() = default;
-    ~Args()
-    {
-        for (unsigned i = 0; i < m_count; ++i)
-            VariantClear(&m_values[i]);
-    }
-    Args(const Args &) = delete;
-    Args &operator=(const Args &) = delete;
-
-    Args &i4(LONG value)
-    {
-        VARIANT &v = next();
-        v.vt = VT_I4;
-        v.lVal = value;
-        return *this;
-    }
-    Args &empty()
-    {
-        next();
-        return *this;
-    }
+    Args &i4(LONG value) { return add(ScopedVariant(value)); }
+    Args &empty() { return add(ScopedVariant()); }
     Args &bstr(const QString &text)
     {
         const std::u16string utf16 = text.toStdU16String();
-        BSTR s = SysAllocStringLen(utf16.data(), UINT(utf16.size()));
-        if (!s)
+        ScopedVariant value(utf16.data(), UINT(utf16.size()));
+        if (!value.get().bstrVal)
             throw InnerZylProcessor::OutOfMemory{E_OUTOFMEMORY};
-        VARIANT &v = next();
-        v.vt = VT_BSTR;
-        v.bstrVal = s;
-        return *this;
+        return add(std::move(value));
     }
 
-    VARIANTARG *data() { return m_values; }
+    // Shallow copies: the values stay owned here and are cleared when Args goes.
+    VARIANTARG *data()
+    {
+        for (unsigned i = 0; i < m_count; ++i)
+            m_lent[i] = m_values[i].get();
+        return m_lent;
+    }
     unsigned count() const { return m_count; }
 
 private:
-    VARIANT &next()
+    Args &add(ScopedVariant value)
     {
-        Q_ASSERT(m_count < kMax);
-        VARIANT &v = m_values[m_count++];
-        VariantInit(&v);
-        return v;
+        if (m_count >= kMax) {
+            qCCritical(lcEngine, "more than %u automation arguments", kMax);
+            throw InnerZylProcessor::OutOfMemory{E_FAIL};
+        }
+        m_values[m_count++] = std::move(value);
+        return *this;
     }
 
     static const unsigned kMax = 5;
-    VARIANT m_values[kMax];
+    ScopedVariant m_values[kMax];
+    VARIANTARG m_lent[kMax];
     unsigned m_count = 0;
 };
 
-// The result slot, cleared however the call ends.
-class Result {
-public:
-    Result() { VariantInit(&m_value); }
-    ~Result() { VariantClear(&m_value); }
-    Result(const Result &) = delete;
-    Result &operator=(const Result &) = delete;
-    VARIANT *ptr() { return &m_value; }
-
-private:
-    VARIANT m_value;
-};
+// An object result as a new owning reference; anything else gives none.
+InnerZylProcessor::Dispatch dispatchOf(const ScopedVariant &value)
+{
+    if (value.type() != VT_DISPATCH)
+        return InnerZylProcessor::Dispatch();
+    return InnerZylProcessor::Dispatch::share(value.get().pdispVal);
+}
 
 } // namespace
 
@@ -106,6 +90,23 @@ QString InnerZylProcessor::toForwardSlashes(const QString &path)
 bool InnerZylProcessor::hasApplication() const
 {
     return bool(m_application);
+}
+
+bool InnerZylProcessor::enterRun()
+{
+    m_inApartment = SUCCEEDED(CoInitialize(nullptr));
+    return m_inApartment && (hasApplication() || SUCCEEDED(createApplication()));
+}
+
+void InnerZylProcessor::leaveRun()
+{
+    if (hasApplication()) {
+        quitApplication();
+        releaseApplication();
+    }
+    if (m_inApartment)
+        CoUninitialize();
+    m_inApartment = false;
 }
 
 HRESULT InnerZylProcessor::createApplication()
@@ -246,12 +247,11 @@ HRESULT InnerZylProcessor::goToPage(IDispatch *document, int page, Dispatch *ran
         return E_FAIL;
     Args args;
     args.i4(kGoToPage).i4(kGoToAbsolute).i4(page);
-    Result result;
-    const HRESULT hr = callMethod(document, u"GoTo", args.data(), args.count(), result.ptr());
+    ScopedVariant result;
+    const HRESULT hr = callMethod(document, u"GoTo", args.data(), args.count(), result.receive());
     if (FAILED(hr))
         return hr;
-    if (result.ptr()->vt == VT_DISPATCH)
-        *range = Dispatch::share(result.ptr()->pdispVal);
+    *range = dispatchOf(result);
     return hr;
 }
 
@@ -341,22 +341,15 @@ HRESULT InnerZylProcessor::onCollapsedEnd(IDispatch *document, const char16_t *n
 
 HRESULT InnerZylProcessor::pageStart(IDispatch *document, int page, int *position)
 {
-    if (!document || page < 1)
-        return E_FAIL;
-    int pages = 0;
-    HRESULT hr = computeStatistics(document, &pages);
-    if (FAILED(hr))
-        return hr;
-    if (page > pages)
-        return E_FAIL;
-    Dispatch range;
-    hr = goToPage(document, page, &range);
-    if (FAILED(hr))
-        return hr;
-    return rangeStart(range.get(), position);
+    return pageBoundary(document, page, false, position);
 }
 
 HRESULT InnerZylProcessor::pageEnd(IDispatch *document, int page, int *position)
+{
+    return pageBoundary(document, page, true, position);
+}
+
+HRESULT InnerZylProcessor::pageBoundary(IDispatch *document, int page, bool end, int *position)
 {
     if (!document || page < 1)
         return E_FAIL;
@@ -367,10 +360,15 @@ HRESULT InnerZylProcessor::pageEnd(IDispatch *document, int page, int *position)
     if (page > pages)
         return E_FAIL;
     Dispatch range;
-    hr = page == pages ? wholeRange(document, &range) : goToPage(document, page + 1, &range);
+    if (!end)
+        hr = goToPage(document, page, &range);
+    else if (page == pages)
+        hr = wholeRange(document, &range);
+    else
+        hr = goToPage(document, page + 1, &range); // its End is where the next page begins
     if (FAILED(hr))
         return hr;
-    return rangeEnd(range.get(), position);
+    return end ? rangeEnd(range.get(), position) : rangeStart(range.get(), position);
 }
 
 HRESULT InnerZylProcessor::deletePages(IDispatch *document, int first, int last)
@@ -449,22 +447,31 @@ HRESULT InnerZylProcessor::callForObject(IDispatch *object, const char16_t *name
                                          VARIANTARG *args, unsigned count, Dispatch *out)
 {
     out->reset();
-    Result result;
-    const HRESULT hr = invoke(object, name, kind, args, count, result.ptr());
+    ScopedVariant result;
+    const HRESULT hr = invoke(object, name, kind, args, count, result.receive());
     if (FAILED(hr))
         return hr;
-    if (result.ptr()->vt == VT_DISPATCH)
-        *out = Dispatch::share(result.ptr()->pdispVal);
+    *out = dispatchOf(result);
     return hr;
 }
 
 HRESULT InnerZylProcessor::callForInt(IDispatch *object, const char16_t *name, WORD kind,
                                       VARIANTARG *args, unsigned count, int *out)
 {
-    Result result;
-    const HRESULT hr = invoke(object, name, kind, args, count, result.ptr());
+    ScopedVariant result;
+    const HRESULT hr = invoke(object, name, kind, args, count, result.receive());
     if (FAILED(hr))
         return hr;
-    *out = result.ptr()->lVal;
-    return hr;
+    switch (result.type()) {
+    case VT_I4:
+        *out = int(result.get().lVal);
+        return hr;
+    case VT_I2:
+        *out = int(result.get().iVal);
+        return hr;
+    default:
+        qCWarning(lcEngine, "%s answered a value of type %u, not an integer",
+                  qPrintable(QString::fromStdU16String(name)), unsigned(result.type()));
+        return DISP_E_TYPEMISMATCH;
+    }
 }

@@ -5,7 +5,7 @@
 #include <vcomrt/com.h>
 #include <vcomrt/comptr.h>
 
-#include "vdocumentmerger_export.h"
+#include "vdocumentmerger_engine_export.h"
 
 // Client of the word processor's automation server, by late binding over IDispatch.
 //
@@ -17,7 +17,7 @@
 //
 // The only error raised instead of returned: an argument string or value that cannot be
 // allocated throws OutOfMemory.
-class VDOCUMENTMERGER_EXPORT InnerZylProcessor {
+class VDOCUMENTMERGER_ENGINE_EXPORT InnerZylProcessor {
 public:
     using Dispatch = ComPtr<IDispatch>;
 
@@ -30,6 +30,13 @@ public:
 
     InnerZylProcessor(const InnerZylProcessor &) = delete;
     InnerZylProcessor &operator=(const InnerZylProcessor &) = delete;
+
+    // The start of a worker run on the calling thread: enters a COM apartment and creates the
+    // application object unless one is held. False when either fails. leaveRun() follows in
+    // every case.
+    bool enterRun();
+    // Quits and releases the application object, and leaves the apartment enterRun() entered.
+    void leaveRun();
 
     // Needs the calling thread to be inside a COM apartment.
     HRESULT createApplication();
@@ -85,7 +92,9 @@ private:
                           unsigned count, Dispatch *out);
     HRESULT callForInt(IDispatch *object, const char16_t *name, WORD kind, VARIANTARG *args,
                        unsigned count, int *out);
+    HRESULT pageBoundary(IDispatch *document, int page, bool end, int *position);
     HRESULT onCollapsedEnd(IDispatch *document, const char16_t *name, VARIANTARG *args, unsigned count);
 
     Dispatch m_application;
+    bool m_inApartment = false;
 };

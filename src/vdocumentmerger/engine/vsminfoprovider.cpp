@@ -9,7 +9,15 @@ VSMInfoProvider::VSMInfoProvider(QObject *parent)
 {
 }
 
-VSMInfoProvider::~VSMInfoProvider() = default;
+VSMInfoProvider::~VSMInfoProvider()
+{
+    m_liveWorkers.cancelAll();
+}
+
+bool VSMInfoProvider::hasLiveWorkers() const
+{
+    return !m_liveWorkers.isEmpty();
+}
 
 InnerInfoProvider *VSMInfoProvider::worker() const
 {
@@ -33,6 +41,7 @@ void VSMInfoProvider::start(const QStringList &files)
     connect(worker, &InnerInfoProvider::taskFinished, this, &VSMInfoProvider::onTaskFinished);
     connect(worker, &InnerInfoProvider::infoPageCount, this, &VSMInfoProvider::onInfoPageCount);
     m_worker = worker;
+    m_liveWorkers.add(worker, this, [this] { emit workersEnded(); });
     QThreadPool::globalInstance()->start(worker, 0);
 }
 

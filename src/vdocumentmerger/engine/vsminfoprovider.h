@@ -5,7 +5,8 @@
 #include <QPointer>
 #include <QStringList>
 
-#include "vdocumentmerger_export.h"
+#include "engine/innerworkerlist.h"
+#include "vdocumentmerger_engine_export.h"
 
 class InnerInfoProvider;
 
@@ -14,8 +15,9 @@ class InnerInfoProvider;
 // start() returns at once; infoPageCount arrives once per file, in list order, then
 // infoTaskFinished. success in infoTaskFinished is false only when the word processor could not
 // be started. cancel() settles every file that has no result yet as failed and finishes the
-// list at once; the worker's later results are dropped.
-class VDOCUMENTMERGER_EXPORT VSMInfoProvider : public QObject {
+// list at once; the worker's later results are dropped. Destroying the object cancels its
+// workers without reporting anything.
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMInfoProvider : public QObject {
     Q_OBJECT
 public:
     explicit VSMInfoProvider(QObject *parent = nullptr);
@@ -24,6 +26,9 @@ public:
     // An empty list does nothing.
     void start(const QStringList &files);
     void cancel();
+
+    // True until every worker started here has ended its run, cancelled or not.
+    bool hasLiveWorkers() const;
 
     // The latest worker; null once it has been destroyed.
     InnerInfoProvider *worker() const;
@@ -35,6 +40,8 @@ signals:
     void infoTaskFinished(QStringList fileList, bool success);
     void infoPageCount(QString filePath, bool success, int count);
     void canceled();
+    // The last live worker has ended its run; a word processor it started has been quit.
+    void workersEnded();
 
 private slots:
     void onTaskFinished(QStringList fileList, bool success);
@@ -44,4 +51,5 @@ private:
     QStringList m_fileList;
     QHash<QString, bool> m_reported;
     QPointer<InnerInfoProvider> m_worker;
+    InnerWorkerList m_liveWorkers;
 };

@@ -9,7 +9,10 @@ VSMMerger::VSMMerger(QObject *parent)
 {
 }
 
-VSMMerger::~VSMMerger() = default;
+VSMMerger::~VSMMerger()
+{
+    m_liveWorkers.cancelAll();
+}
 
 void VSMMerger::start(const MergeTask &task)
 {
@@ -26,6 +29,7 @@ void VSMMerger::start(const MergeTask &task)
     connect(worker, &InnerMerger::finished, this, &VSMMerger::mergeFinished);
     worker->setTask(task);
     ++m_runningCount;
+    m_liveWorkers.add(worker, this, [this] { emit workersEnded(); });
     QThreadPool::globalInstance()->start(worker, 0);
 }
 
@@ -37,6 +41,11 @@ void VSMMerger::cancel()
 bool VSMMerger::isRunning() const
 {
     return m_runningCount != 0;
+}
+
+bool VSMMerger::hasLiveWorkers() const
+{
+    return !m_liveWorkers.isEmpty();
 }
 
 void VSMMerger::onTaskFinished()

@@ -3,7 +3,8 @@
 #include <QObject>
 
 #include "engine/mergetask.h"
-#include "vdocumentmerger_export.h"
+#include "engine/innerworkerlist.h"
+#include "vdocumentmerger_engine_export.h"
 
 class InnerMerger;
 
@@ -12,8 +13,9 @@ class InnerMerger;
 // start() returns at once. taskInitFinished() tells that the word processor is ready,
 // subProgress(index, 100) that index sources are in, and mergeFinished(result) ends the run with
 // 0 (saved at the task's outputPath) or -99 (nothing completed). A cancelled run reports no
-// mergeFinished, and the running count it took is never given back.
-class VDOCUMENTMERGER_EXPORT VSMMerger : public QObject {
+// mergeFinished, and the running count it took is never given back. Destroying the object
+// cancels its workers without reporting anything.
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMMerger : public QObject {
     Q_OBJECT
 public:
     explicit VSMMerger(QObject *parent = nullptr);
@@ -22,6 +24,8 @@ public:
     void start(const MergeTask &task);
     void cancel();
     bool isRunning() const;
+    // True until every worker started here has ended its run, cancelled or not.
+    bool hasLiveWorkers() const;
 
     // A new worker without a parent; the pool runs it and it deletes itself after its run.
     virtual InnerMerger *createWorker() = 0;
@@ -32,10 +36,13 @@ signals:
     void taskInitFinished();
     void mergeFinished(int result);
     void canceled();
+    // The last live worker has ended its run; the word processor it started has been quit.
+    void workersEnded();
 
 protected slots:
     void onTaskFinished();
 
 private:
     int m_runningCount = 0;
+    InnerWorkerList m_liveWorkers;
 };

@@ -3,7 +3,7 @@
 #include "engine/vsminfoprovider.h"
 
 // Counts pages through the word processor's automation server.
-class VDOCUMENTMERGER_EXPORT VSMZylInfoProvider : public VSMInfoProvider {
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMZylInfoProvider : public VSMInfoProvider {
     Q_OBJECT
 public:
     explicit VSMZylInfoProvider(QObject *parent = nullptr);

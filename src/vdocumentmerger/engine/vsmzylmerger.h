@@ -3,7 +3,7 @@
 #include "engine/vsmmerger.h"
 
 // Merges through the word processor's automation server.
-class VDOCUMENTMERGER_EXPORT VSMZylMerger : public VSMMerger {
+class VDOCUMENTMERGER_ENGINE_EXPORT VSMZylMerger : public VSMMerger {
     Q_OBJECT
 public:
     explicit VSMZylMerger(QObject *parent = nullptr);

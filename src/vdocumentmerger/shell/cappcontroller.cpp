@@ -1,6 +1,8 @@
 #include "shell/cappcontroller.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QThreadPool>
 
 #include <new>
 
@@ -8,8 +10,14 @@
 #include "host/vappmainwindow.h"
 #include "page/vmclientwidget.h"
 #include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcController, "vdocumentmerger.controller", QtWarningMsg)
+
+// How long shutdown waits for cancelled workers to quit their word processor.
+const int kWorkerShutdownMs = 5000;
 
 // Plain pointers: no constructor runs when the host loads the library.
 CAppController *s_controller = nullptr;
@@ -38,7 +46,14 @@ CAppController::CAppController(QObject *parent)
 
 CAppController::~CAppController()
 {
-    VMEnv::removeDirRecursively(VMEnv::tempRoot());
+    // The merge page's engine objects cancelled their workers when the widget tree went; a
+    // worker still inside a call stops at its next check, and its working files go only after
+    // that. At application shutdown the application object has waited for the pool already and
+    // there is no pool any more.
+    QThreadPool *pool = QThreadPool::globalInstance();
+    if (pool && !pool->waitForDone(kWorkerShutdownMs))
+        qCWarning(lcController) << "workers still running after" << kWorkerShutdownMs << "ms; removing the working files anyway";
+    VMWorkFolders::removeProcessRoot();
     VMEnv::releaseInstance();
     if (s_controller == this) {
         s_controller = nullptr;

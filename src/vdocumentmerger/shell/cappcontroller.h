@@ -7,8 +7,8 @@
 #include "vdocumentmerger_export.h"
 
 // The process-wide application controller. Its parent is the application object, which
-// deletes it at shutdown; the destructor removes the add-on's temporary folder tree and
-// releases VMEnv.
+// deletes it at shutdown; the destructor waits a few seconds for running workers to end, then
+// removes this process's working tree and releases VMEnv.
 class VDOCUMENTMERGER_EXPORT CAppController : public QObject, public IAppController {
     Q_OBJECT
 public:

@@ -13,6 +13,7 @@
 #include <QUrl>
 
 #include "host/liolite.h"
+#include "shell/vmworkfolders.h"
 
 Q_LOGGING_CATEGORY(lcVMEnv, "vdocumentmerger.env", QtWarningMsg)
 
@@ -82,67 +83,33 @@ void VMEnv::setCustomDir(const QString &dir) { m_customDir = dir; }
 
 QString VMEnv::tempRoot()
 {
-    return QStringLiteral("%1/%2").arg(QDir::tempPath()).arg(QStringLiteral("vdocumentmerger"));
+    return VMWorkFolders::processRoot();
 }
 
 QString VMEnv::workFolderName(int kind)
 {
-    switch (kind) {
-    case 0:
-        return QStringLiteral("handycopy");
-    case 1:
-        return QStringLiteral("tempsplit");
-    case 2:
-        return QStringLiteral("mergedest");
-    default:
-        return QStringLiteral("misc");
-    }
+    return VMWorkFolders::folderName(kind);
 }
 
 QString VMEnv::workFilePath(const QString &baseName, const QString &suffix, int kind)
 {
-    return workFilePath(baseName, suffix, kind, QDateTime::currentDateTime());
+    return VMWorkFolders::filePath(baseName, suffix, kind, QDateTime::currentDateTime());
 }
 
 QString VMEnv::workFilePath(const QString &baseName, const QString &suffix, int kind,
                             const QDateTime &now)
 {
-    const QString folder = QStringLiteral("%1/%2").arg(tempRoot()).arg(workFolderName(kind));
-    QDir dir(folder);
-    if (!dir.mkpath(QStringLiteral(".")))
-        qCDebug(lcVMEnv) << "cannot create" << folder;
-
-    const QString stem = QStringLiteral("%1_%2").arg(baseName).arg(now.toString(QStringLiteral("yyyyMMddHHmmss")));
-    QString name = QStringLiteral("%1.%2").arg(stem).arg(suffix);
-    // exists() also sees folders and dangling links: any entry of that name is taken.
-    for (int n = 1; dir.exists(name) || QFileInfo(dir.filePath(name)).isSymLink(); ++n)
-        name = QStringLiteral("%1(%2).%3").arg(stem).arg(n).arg(suffix);
-    return QStringLiteral("%1/%2").arg(folder).arg(name);
+    return VMWorkFolders::filePath(baseName, suffix, kind, now);
 }
 
 QString VMEnv::workCopyPath(const QString &filePath, int kind)
 {
-    const QFileInfo info(filePath);
-    return QDir::toNativeSeparators(workFilePath(info.completeBaseName(), info.suffix(), kind));
+    return VMWorkFolders::copyPath(filePath, kind);
 }
 
 void VMEnv::removeDirRecursively(const QString &path)
 {
-    QDir dir(path);
-    if (path.isEmpty() || !dir.exists())
-        return;
-    // Hidden and system entries too: the office leaves dot-named lock files beside its
-    // working copies, and they must not keep the tree alive.
-    const QFileInfoList entries = dir.entryInfoList(
-        QDir::Dirs | QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Unsorted);
-    for (const QFileInfo &entry : entries) {
-        // A link to a folder is removed as a link, never followed out of the tree.
-        if (entry.isDir() && !entry.isSymLink())
-            removeDirRecursively(entry.absoluteFilePath());
-        else
-            dir.remove(entry.fileName());
-    }
-    dir.rmdir(dir.absolutePath());
+    VMWorkFolders::removeRecursively(path);
 }
 
 bool VMEnv::showInExplorer(const QString &path)

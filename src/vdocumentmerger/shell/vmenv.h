@@ -28,19 +28,20 @@ public:
     QString customDir() const;
     void setCustomDir(const QString &dir);
 
-    // <system temporary folder>/vdocumentmerger; not created here.
+    // This process's working tree below the user's private root (see VMWorkFolders); created
+    // with the first working path. Empty when no private folder can be made.
     static QString tempRoot();
     // A path in the working folder of the given kind (0 "handycopy", 1 "tempsplit",
     // 2 "mergedest", anything else "misc") whose name no entry of that folder uses yet:
     // "<baseName>_<yyyyMMddHHmmss>.<suffix>", then "(1)", "(2)", ... before the dot.
-    // Creates the folder when missing. Safe to call from worker threads.
+    // Creates the folder when missing; empty when it cannot. Safe to call from worker threads.
     static QString workFilePath(const QString &baseName, const QString &suffix, int kind);
     static QString workFilePath(const QString &baseName, const QString &suffix, int kind,
                                 const QDateTime &now);
     // workFilePath() with filePath's complete base name and suffix, in native separators.
     static QString workCopyPath(const QString &filePath, int kind);
     static QString workFolderName(int kind);
-    // Removes the folder and everything listed in it; a missing folder is left alone.
+    // Removes the folder and everything in it; a missing folder or a link is left alone.
     static void removeDirRecursively(const QString &path);
     // Reveals the file (or opens the folder) in the desktop's file manager without waiting
     // for it. Returns false only when nothing exists at path.

@@ -240,8 +240,17 @@ HRESULT FakeZylObject::call(const QString &member, WORD, const std::vector<const
                             VARIANT *result)
 {
     FakeZylState &state = FakeZylState::instance();
-    auto setInt = [result](LONG value) {
-        if (result) {
+    bool asText = false;
+    {
+        QMutexLocker locker(&state.mutex);
+        asText = state.textAnswers.contains(member);
+    }
+    auto setInt = [result, asText](LONG value) {
+        if (result && asText) {
+            const std::u16string text = QString::number(value).toStdU16String();
+            result->vt = VT_BSTR;
+            result->bstrVal = SysAllocStringLen(text.data(), UINT(text.size()));
+        } else if (result) {
             result->vt = VT_I4;
             result->lVal = value;
         }

@@ -114,6 +114,7 @@ void FakeZylServer::reset()
     state.callCounts.clear();
     state.failures.clear();
     state.protection.clear();
+    state.textAnswers.clear();
     state.creationFailure = S_OK;
     state.breakAddsTwoPages = false;
     state.blockMember.clear();
@@ -189,6 +190,13 @@ void FakeZylServer::failCall(const QString &member, int occurrence, HRESULT hr)
     FakeZylState &state = FakeZylState::instance();
     QMutexLocker locker(&state.mutex);
     state.failures[member].insert(occurrence, hr);
+}
+
+void FakeZylServer::answerWithText(const QString &member)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    state.textAnswers << member;
 }
 
 void FakeZylServer::setProtection(const QString &fileName, int type)

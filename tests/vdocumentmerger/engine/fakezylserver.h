@@ -41,6 +41,8 @@ public:
     static void failCall(const QString &member, int occurrence, HRESULT hr);
     // Documents opened from a file of this name report this protection type (default -1).
     static void setProtection(const QString &fileName, int type);
+    // Calls of member that answer an integer answer it as text instead.
+    static void answerWithText(const QString &member);
     // A page break inserted at the end starts two pages instead of one.
     static void setBreakAddsTwoPages(bool on);
 

@@ -25,6 +25,7 @@ struct FakeZylState {
     QHash<QString, int> callCounts;
     QHash<QString, QHash<int, HRESULT>> failures;
     QHash<QString, int> protection;
+    QStringList textAnswers;
     HRESULT creationFailure = S_OK;
     bool breakAddsTwoPages = false;
     QString blockMember;

@@ -35,6 +35,8 @@ private slots:
     void deleteLastCharacter();
     void serverFailurePassesThrough_data();
     void serverFailurePassesThrough();
+    void textInsteadOfIntegerIsRefused_data();
+    void textInsteadOfIntegerIsRefused();
     void createApplicationTwiceKeepsTheFirst();
     void memberIdsAreNotCached();
 
@@ -416,6 +418,30 @@ void tst_InnerZylProcessor::serverFailurePassesThrough()
     FakeZylServer::failCall(member, 0, HRESULT(code));
     QCOMPARE(m_client->deletePages(m_document.get(), 1, 2), HRESULT(code));
     QVERIFY(FakeZylServer::journal(notSent).isEmpty());
+}
+
+void tst_InnerZylProcessor::textInsteadOfIntegerIsRefused_data()
+{
+    QTest::addColumn<QString>("member");
+    QTest::newRow("page_count") << "ComputeStatistics";
+    QTest::newRow("range_start") << "Start";
+    QTest::newRow("range_end") << "End";
+    QTest::newRow("protection") << "ProtectionType";
+}
+
+// A number is taken from an answer only when the answer is a number.
+void tst_InnerZylProcessor::textInsteadOfIntegerIsRefused()
+{
+    QFETCH(QString, member);
+    FakeZylServer::answerWithText(member);
+    if (member == QLatin1String("ProtectionType")) {
+        int type = 7;
+        QCOMPARE(m_client->protectionType(m_document.get(), &type), DISP_E_TYPEMISMATCH);
+        QCOMPARE(type, 7);
+        return;
+    }
+    QCOMPARE(m_client->deletePages(m_document.get(), 1, 2), DISP_E_TYPEMISMATCH);
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Range.Delete")).isEmpty());
 }
 
 void tst_InnerZylProcessor::createApplicationTwiceKeepsTheFirst()

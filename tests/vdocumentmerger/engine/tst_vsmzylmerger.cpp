@@ -4,7 +4,7 @@
 
 #include "engine/vsmzylmerger.h"
 #include "fakezylserver.h"
-#include "shell/vmenv.h"
+#include "shell/vmworkfolders.h"
 
 // Every signal of the merger in the order the page receives them.
 class MergerLog : public QObject {
@@ -121,7 +121,7 @@ MergeTask tst_VSMZylMerger::task(const QStringList &itemTexts, const QString &ou
     t.outputPath = m_dir.filePath(outputName);
     if (!t.items.isEmpty()) {
         const QFileInfo first(t.items.first().filePath);
-        t.workPath = VMEnv::workFilePath(first.completeBaseName(), first.suffix(), 2);
+        t.workPath = VMWorkFolders::filePath(first.completeBaseName(), first.suffix(), 2, QDateTime::currentDateTime());
     }
     t.convertFormat = QFileInfo(t.workPath).suffix() != QFileInfo(t.outputPath).suffix();
     return t;
@@ -234,7 +234,7 @@ void tst_VSMZylMerger::failsWithoutOutput()
     MergerLog log(&merger);
     MergeTask t = task(itemTexts, QStringLiteral("out.docx"));
     if (t.workPath.isEmpty())
-        t.workPath = VMEnv::workFilePath(QStringLiteral("none"), QStringLiteral("docx"), 2);
+        t.workPath = VMWorkFolders::filePath(QStringLiteral("none"), QStringLiteral("docx"), 2, QDateTime::currentDateTime());
     runAndWait(merger, t);
 
     QCOMPARE(log.entries().first(), QStringLiteral("init"));
@@ -369,16 +369,20 @@ void tst_VSMZylMerger::cancelBeforeSecondOfThree()
     VSMZylMerger merger;
     MergerLog log(&merger);
     QSignalSpy canceled(&merger, &VSMMerger::canceled);
+    QSignalSpy ended(&merger, &VSMMerger::workersEnded);
     QVERIFY(canceled.isValid());
+    QVERIFY(ended.isValid());
     const MergeTask t = task({QStringLiteral("a.docx 1 2"), QStringLiteral("b.doc 1 1"), QStringLiteral("c.zyl 1 1")},
                              QStringLiteral("out.docx"));
     merger.start(t);
     QVERIFY(FakeZylServer::waitUntilBlocked(10000));
     merger.cancel();
     QCOMPARE(canceled.count(), 1);
+    QVERIFY(merger.hasLiveWorkers());
     FakeZylServer::release();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
-    QCoreApplication::processEvents();
+    // The cancelled worker says itself that it has ended, after quitting the server.
+    QTRY_COMPARE(ended.count(), 1);
+    QVERIFY(!merger.hasLiveWorkers());
 
     QCOMPARE(log.entries(), QStringList({QStringLiteral("init"), QStringLiteral("sub 1 100")}));
     QVERIFY(!QFile::exists(t.outputPath));

@@ -14,25 +14,55 @@
 #include "shell/cappcontroller.h"
 #include "shell/pluginexports.h"
 #include "shell/usageevents.h"
+#include "engine/vsmzylmerger.h"
+#include "fakezylserver.h"
 #include "shell/vmenv.h"
+
+#include <unistd.h>
 
 namespace {
 
 const char childModeVariable[] = "TST_CAPPCONTROLLER_CHILD";
 
-// Leaves a working file behind as a failed merge would, then lets the application object
-// end, which takes the controller with it.
-int runChildShutdown(int argc, char **argv)
+// Leaves a working file behind as a failed merge would; with a folder of documents also leaves
+// a merge running, held inside its word processor, as the host's window goes. Then lets the
+// application object end, which takes the controller with it.
+int runChildShutdown(int argc, char **argv, const QString &documents)
 {
-    QCoreApplication app(argc, argv);
-    if (!CAppController::instance())
-        return 2;
-    QFile leftover(VMEnv::workFilePath(QStringLiteral("left"), QStringLiteral("docx"), 1));
-    if (!leftover.open(QIODevice::WriteOnly))
-        return 3;
-    leftover.write("partial");
-    leftover.close();
-    VMEnv::instance()->setLocation(1);
+    {
+        QCoreApplication app(argc, argv);
+        if (!CAppController::instance())
+            return 2;
+        QFile leftover(VMEnv::workFilePath(QStringLiteral("left"), QStringLiteral("docx"), 1));
+        if (!leftover.open(QIODevice::WriteOnly))
+            return 3;
+        leftover.write("partial");
+        leftover.close();
+        VMEnv::instance()->setLocation(1);
+        if (documents.isEmpty())
+            return 0;
+
+        MergeTask task;
+        for (const QString &name : {QStringLiteral("a.docx"), QStringLiteral("b.doc"), QStringLiteral("c.zyl")}) {
+            if (!FakeZylServer::writeDocument(documents + '/' + name, {name, name}))
+                return 4;
+            task.items << MergeItem{1, 2, documents + '/' + name};
+        }
+        task.outputPath = documents + QStringLiteral("/out.docx");
+        task.workPath = VMEnv::workFilePath(QStringLiteral("a"), QStringLiteral("docx"), 2);
+        // Open 2 is the target: the merge is held before the second source goes in.
+        FakeZylServer::blockAt(QStringLiteral("Open"), 2);
+        auto *page = new QObject;
+        (new VSMZylMerger(page))->start(task);
+        if (!FakeZylServer::waitUntilBlocked(10000))
+            return 5;
+        delete page;
+        FakeZylServer::release();
+    }
+    const QStringList journal = FakeZylServer::journal();
+    if (FakeZylServer::openDocuments() != 0 || journal.isEmpty()
+        || journal.last() != QLatin1String("call Application.Quit()"))
+        return 6;
     return 0;
 }
 
@@ -55,6 +85,7 @@ private slots:
     void destroyForgetsContainerOnly();
     void eventsAfterDestroyReachNothing();
     void tempRootRemovedWhenControllerDeleted();
+    void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
 };
 
@@ -250,13 +281,23 @@ void tst_CAppController::tempRootRemovedWhenControllerDeleted()
     QCOMPARE(CAppController::instance()->parent(), QCoreApplication::instance());
 }
 
+void tst_CAppController::tempRootRemovedAtApplicationShutdown_data()
+{
+    QTest::addColumn<bool>("midMerge");
+    QTest::newRow("after_a_failed_merge") << false;
+    QTest::newRow("closed_mid_merge") << true;
+}
+
 void tst_CAppController::tempRootRemovedAtApplicationShutdown()
 {
+    QFETCH(bool, midMerge);
     QTemporaryDir tmp;
     QVERIFY(tmp.isValid());
+    QTemporaryDir documents;
+    QVERIFY(documents.isValid());
     QProcess child;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QString::fromLatin1(childModeVariable), QStringLiteral("1"));
+    env.insert(QString::fromLatin1(childModeVariable), midMerge ? documents.path() : QString());
     env.insert(QStringLiteral("TMPDIR"), tmp.path());
     child.setProcessEnvironment(env);
     child.start(QCoreApplication::applicationFilePath(), QStringList());
@@ -264,14 +305,16 @@ void tst_CAppController::tempRootRemovedAtApplicationShutdown()
     QCOMPARE(child.exitStatus(), QProcess::NormalExit);
     QCOMPARE(child.exitCode(), 0);
     QVERIFY(QFileInfo(tmp.path()).isDir());
-    QVERIFY2(!QFileInfo::exists(tmp.path() + QStringLiteral("/vdocumentmerger")),
+    const QDir root(tmp.path() + QStringLiteral("/vdocumentmerger-%1").arg(::getuid()));
+    QVERIFY2(root.exists() && root.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              "the working tree outlived the application");
+    QVERIFY2(!QFileInfo::exists(documents.filePath(QStringLiteral("out.docx"))), "a cancelled merge left its output");
 }
 
 int main(int argc, char **argv)
 {
     if (qEnvironmentVariableIsSet(childModeVariable))
-        return runChildShutdown(argc, argv);
+        return runChildShutdown(argc, argv, qEnvironmentVariable(childModeVariable));
     QApplication app(argc, argv);
     tst_CAppController test;
     QTEST_SET_MAIN_SOURCE_PATH

@@ -52,6 +52,9 @@ QString filterFor(const QString &suffix)
         return QStringLiteral("pdf:writer_pdf_Export");
     if (suffix == QLatin1String("fodt"))
         return QStringLiteral("fodt:OpenDocument Text Flat XML");
+    // The web variant of OpenDocument text, written from an HTML source.
+    if (suffix == QLatin1String("oth"))
+        return QStringLiteral("oth:writerweb8_writer_template");
     return QString();
 }
 

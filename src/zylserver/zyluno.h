@@ -1,0 +1,13 @@
+// Conversions between Qt and UNO strings and the property records the office's calls take.
+#pragma once
+
+#include <QString>
+
+#include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/uno/Any.hxx>
+#include <rtl/ustring.hxx>
+
+rtl::OUString ou(const char *ascii);
+rtl::OUString toOUString(const QString &s);
+QString toQString(const rtl::OUString &s);
+css::beans::PropertyValue property(const char *name, const css::uno::Any &value);
