@@ -11,7 +11,7 @@ PACKAGES=(
   libthrift-dev thrift-compiler libboost-dev
   libreoffice-writer libreoffice-dev
   xvfb xauth dbus fonts-dejavu-core poppler-utils file
-  fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea fonts-wqy-microhei
+  fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea
 )
 
 as_root() {
