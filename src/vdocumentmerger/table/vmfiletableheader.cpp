@@ -31,8 +31,11 @@ VMFileTableHeader::VMFileTableHeader(QWidget *parent)
     const int columnSpacing = int(VLiteStyle::dpiScaled(50));
     m_nameItem = new VMTableHeaderNameItem(this);
     layout->addWidget(m_nameItem, 1);
-    layout->addWidget(columnLabel(tr("page count"), 68, this));
-    layout->addSpacing(columnSpacing);
+    // "page count" is wider than its column in most fonts: the label borrows room from the
+    // spacing on both sides and stays centred over the column.
+    const int borrowed = 20;
+    layout->addWidget(columnLabel(tr("page count"), 68 + 2 * borrowed, this));
+    layout->addSpacing(int(VLiteStyle::dpiScaled(50 - borrowed)));
     layout->addWidget(columnLabel(tr("Output range"), 178, this));
     layout->addSpacing(columnSpacing);
     layout->addWidget(columnLabel(tr("operation"), 88, this));
