@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QLoggingCategory>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -33,6 +34,12 @@ int main(int argc, char *argv[])
     default:
         break;
     }
+
+    // Runs side by side must not share working files: each would take the other's names and remove
+    // the other's folder when it ends.
+    QTemporaryDir privateTemp(QDir(QDir::tempPath()).filePath(QStringLiteral("docmerge-XXXXXX")));
+    if (privateTemp.isValid())
+        qputenv("TMPDIR", QFile::encodeName(privateTemp.path()));
 
     TerminationWatcher watcher;
     DocMergeRunner runner(options, stdout, stderr);

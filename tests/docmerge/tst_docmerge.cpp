@@ -25,6 +25,7 @@ private slots:
     void merge();
     void mergeJson();
     void existingOutputIsKept();
+    void otherRunsKeepTheirWorkingFiles();
     void interrupt_data();
     void interrupt();
 
@@ -40,6 +41,7 @@ private:
 
     QTemporaryDir m_dir;
     QTemporaryDir m_tmp;
+    QStringList m_tmpKept; // what the test itself put into m_tmp
 };
 
 void tst_DocMerge::initTestCase()
@@ -85,7 +87,7 @@ tst_DocMerge::Run tst_DocMerge::run(const QStringList &arguments, const QProcess
     result.out = QString::fromLocal8Bit(process.readAllStandardOutput());
     result.err = QString::fromLocal8Bit(process.readAllStandardError());
     // The working folders go with every run.
-    if (QFileInfo::exists(m_tmp.filePath(QStringLiteral("vdocumentmerger"))))
+    if (QDir(m_tmp.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden) != m_tmpKept)
         result.exitCode = -2;
     return result;
 }
@@ -220,6 +222,22 @@ void tst_DocMerge::existingOutputIsKept()
     QCOMPARE(result.exitCode, 1);
     QVERIFY(result.err.contains("already exists"));
     QCOMPARE(FakeZylServer::readDocument(path("out.docx")), QStringList{"precious"});
+}
+
+void tst_DocMerge::otherRunsKeepTheirWorkingFiles()
+{
+    // What a run that is still going has in the shared temporary folder.
+    const QString other = m_tmp.filePath(QStringLiteral("vdocumentmerger/mergedest/a_20260101000000.docx"));
+    QVERIFY(QDir().mkpath(QFileInfo(other).path()));
+    QVERIFY(FakeZylServer::writeDocument(other, {"other"}));
+    m_tmpKept = QStringList{QStringLiteral("vdocumentmerger")};
+    const Run result = run({"merge", "-o", "out.docx", "a.docx", "b.doc"});
+    m_tmpKept.clear();
+    const bool kept = QFileInfo::exists(other);
+    QDir(m_tmp.filePath(QStringLiteral("vdocumentmerger"))).removeRecursively();
+    QVERIFY(kept);
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY(QFileInfo::exists(path("out.docx")));
 }
 
 void tst_DocMerge::interrupt_data()
