@@ -60,6 +60,7 @@ void tst_DocMerge::init()
     QVERIFY(FakeZylServer::writeDocument(path("a.docx"), {"A1", "A2", "A3"}));
     QVERIFY(FakeZylServer::writeDocument(path("b.doc"), {"B1", "B2"}));
     QVERIFY(FakeZylServer::writeDocument(path("c.zyl"), {"C1", "C2", "C3", "C4"}));
+    QVERIFY(FakeZylServer::writeDocument(path("d.doc"), {"D1", "[goto fails]", "D3"}));
 }
 
 QProcessEnvironment tst_DocMerge::environment(const QProcessEnvironment &extra) const
@@ -173,6 +174,8 @@ void tst_DocMerge::merge_data()
                                    << 1 << QStringList() << "ends before it starts";
     QTest::newRow("missing_source") << QStringList{"-o", "out.docx", "a.docx", "gone.doc"}
                                     << 1 << QStringList() << "no such file: gone.doc";
+    QTest::newRow("source_that_cannot_be_cut") << QStringList{"-o", "out.docx", "a.docx:1", "d.doc:2"}
+                                               << 1 << QStringList() << "cannot take the pages 2-2 of d.doc";
     QTest::newRow("one_source") << QStringList{"-o", "out.docx", "a.docx"} << 2 << QStringList() << "Usage:";
     QTest::newRow("format_mismatch") << QStringList{"-o", "out.docx", "--format", "doc", "a.docx", "b.doc"}
                                      << 2 << QStringList() << "Usage:";
@@ -213,6 +216,13 @@ void tst_DocMerge::mergeJson()
     QCOMPARE(sources.size(), 2);
     QCOMPARE(sources.at(0).toObject().value("to").toInt(), 2);
     QVERIFY(sources.at(1).toObject().value("to").isNull());
+
+    const Run failed = run({"merge", "--json", "-o", "out2.docx", "a.docx:1", "d.doc:2-"});
+    QCOMPARE(failed.exitCode, 1);
+    const QJsonObject failure = QJsonDocument::fromJson(failed.out.toUtf8()).object();
+    QCOMPARE(failure.value("failedSource").toString(), QStringLiteral("d.doc"));
+    QVERIFY(failure.value("error").toString().contains("d.doc"));
+    QCOMPARE(FakeZylServer::readDocument(path("d.doc")), (QStringList{"D1", "[goto fails]", "D3"}));
 }
 
 void tst_DocMerge::existingOutputIsKept()
