@@ -48,7 +48,9 @@ KNOWN_FODT = """<?xml version="1.0" encoding="UTF-8"?>
 
 
 class Timeout(Exception):
-    pass
+    def __init__(self, message, out=""):
+        super().__init__(message)
+        self.out = out
 
 
 def run(cmd, timeout, cwd=None, env=None):
@@ -58,8 +60,8 @@ def run(cmd, timeout, cwd=None, env=None):
     try:
         out, err = proc.communicate(timeout=timeout)
     except subprocess.TimeoutExpired:
-        kill_group(proc)
-        raise Timeout("%s took more than %d s" % (os.path.basename(cmd[0]), timeout))
+        out = kill_group(proc)
+        raise Timeout("%s took more than %d s" % (os.path.basename(cmd[0]), timeout), out.decode(errors="replace"))
     # The office may leave helpers in the group after a crash of its parent.
     kill_group(proc)
     return proc.returncode, out.decode(errors="replace"), err.decode(errors="replace")
@@ -67,15 +69,15 @@ def run(cmd, timeout, cwd=None, env=None):
 
 def kill_group(proc):
     if proc.pid <= 0:
-        return
+        return b""
     try:
         os.killpg(proc.pid, signal.SIGKILL)
     except ProcessLookupError:
         pass
     try:
-        proc.communicate(timeout=10)
-    except subprocess.TimeoutExpired:
-        pass
+        return proc.communicate(timeout=10)[0] or b""
+    except (subprocess.TimeoutExpired, ValueError):
+        return b""
 
 
 def sha256(path):
@@ -153,9 +155,44 @@ class Runner:
         self.known_pages = known_pages
 
     def docmerge(self, argv, timeout):
-        return run([self.args.docmerge] + argv, timeout)
+        env = dict(os.environ, QT_LOGGING_RULES="vzyl.server.info=true")
+        return run([self.args.docmerge] + argv, timeout, env=env)
 
-    def document(self, path, slot):
+    def prepare(self, paths, slot):
+        """Counts and exports a batch of sources with one docmerge and one office; returns
+        {path: (pages or None, pdf pages or None)} for those the batch settled."""
+        t = self.args.timeout
+        done = {}
+        counts = {}
+        try:
+            _, out, _ = self.docmerge(["count"] + paths, t + 20 * len(paths))
+        except Timeout as e:
+            out = e.out  # those printed before the hang are settled
+        for line in out.splitlines():
+            value, _, name = line.partition("\t")
+            if name in paths:
+                counts[name] = int(value) if value.isdigit() else None
+        folder = tempfile.mkdtemp(prefix="batch-", dir=self.args.work)
+        copies = []
+        for i, path in enumerate(paths):
+            copy = os.path.join(folder, "%d%s" % (i, os.path.splitext(path)[1].lower()))
+            shutil.copyfile(path, copy)
+            copies.append(copy)
+        office = Office(os.path.join(self.args.work, "profile-%d" % slot), t + 20 * len(paths))
+        try:
+            office.to_pdf(copies, folder)
+            finished = True
+        except Timeout:
+            finished = False
+        for i, path in enumerate(paths):
+            pdf = os.path.join(folder, "%d.pdf" % i)
+            pages = pdf_pages(pdf, t) if os.path.exists(pdf) else None
+            if path in counts and (pages is not None or finished):
+                done[path] = (counts[path], pages)
+        shutil.rmtree(folder, ignore_errors=True)
+        return done
+
+    def document(self, path, slot, prepared=None):
         """Everything for one document; returns a result dict."""
         name = os.path.basename(path)
         res = {"document": name, "state": "", "pages": None, "pdf_pages": None, "failures": [],
@@ -165,7 +202,7 @@ class Runner:
         office = Office(os.path.join(self.args.work, "profile-%d" % slot), self.args.timeout)
         before = sha256(path)
         try:
-            self.check(path, work, office, res)
+            self.check(path, work, office, res, prepared)
         except Timeout as e:
             res["state"] = "hung"
             res["failures"].append(("-", str(e)))
@@ -177,24 +214,13 @@ class Runner:
             res["seconds"] = round(time.monotonic() - start, 1)
         return res
 
-    def check(self, path, work, office, res):
+    def check(self, path, work, office, res, prepared):
         t = self.args.timeout
-        code, out, err = self.docmerge(["count", "--json", path], t)
-        counted = None
-        try:
-            files = json.loads(out)["files"]
-            if files and files[0]["success"]:
-                counted = files[0]["pages"]
-        except (ValueError, KeyError, IndexError, TypeError):
-            if code not in (0, 1):
-                res["failures"].append(("count", "docmerge exited %d: %s" % (code, err.strip()[-200:])))
+        if prepared:
+            counted, source = prepared
+        else:
+            counted, source = self.count_and_export(path, work, office, res)
         res["pages"] = counted
-
-        src_copy = os.path.join(work, "source" + os.path.splitext(path)[1].lower())
-        shutil.copyfile(path, src_copy)
-        office.to_pdf([src_copy], work)
-        src_pdf = os.path.join(work, "source.pdf")
-        source = pdf_pages(src_pdf, t) if os.path.exists(src_pdf) else None
         res["pdf_pages"] = len(source) if source is not None else None
 
         if counted is None:
@@ -237,6 +263,23 @@ class Runner:
         else:
             res["state"] = "differs"
 
+    def count_and_export(self, path, work, office, res):
+        t = self.args.timeout
+        code, out, err = self.docmerge(["count", "--json", path], t)
+        counted = None
+        try:
+            files = json.loads(out)["files"]
+            if files and files[0]["success"]:
+                counted = files[0]["pages"]
+        except (ValueError, KeyError, IndexError, TypeError):
+            if code not in (0, 1):
+                res["failures"].append(("count", "docmerge exited %d: %s" % (code, err.strip()[-200:])))
+        src_copy = os.path.join(work, "source" + os.path.splitext(path)[1].lower())
+        shutil.copyfile(path, src_copy)
+        office.to_pdf([src_copy], work)
+        src_pdf = os.path.join(work, "source.pdf")
+        return counted, (pdf_pages(src_pdf, t) if os.path.exists(src_pdf) else None)
+
     def merge(self, path, ranges, work, tag):
         out = os.path.join(work, "merged-%s.docx" % tag.replace("-", "_"))
         if os.path.exists(out):
@@ -247,11 +290,16 @@ class Runner:
         code, stdout, err = self.docmerge(argv, self.args.timeout * (1 + len(ranges)))
         if code == 0 and os.path.exists(out):
             return out, ""
-        reason = err.strip().splitlines()[-1] if err.strip() else "exit %d" % code
+        lines = err.strip().splitlines()
+        reason = next((l for l in reversed(lines) if l.startswith("docmerge:")), "exit %d" % code)
+        server = [l for l in lines if l.startswith("vzyl.server:") and " ready on pipe " not in l
+                  and "not ready yet" not in l]
+        if server:
+            reason += " [%s]" % server[-1]
         try:
             result = json.loads(stdout)
-            if result.get("error"):
-                reason = result["error"]
+            if result.get("error") and result["error"] not in reason:
+                reason += " (JSON: %s)" % result["error"]
         except ValueError:
             pass
         if os.path.exists(out):
@@ -302,6 +350,7 @@ def main():
     parser.add_argument("--docmerge", default=os.path.join(ROOT, "build", "bin", "docmerge"))
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--timeout", type=int, default=120, help="seconds per step")
+    parser.add_argument("--batch", type=int, default=12, help="sources counted and exported per office start")
     parser.add_argument("--work", default=None)
     parser.add_argument("--limit", type=int, default=0)
     parser.add_argument("--report", default=None, help="write one line per document here (TSV)")
@@ -319,16 +368,26 @@ def main():
 
     results = []
     slots = list(range(args.jobs))
+
+    def in_slot(function, *a):
+        slot = slots.pop()
+        try:
+            return function(*a, slot)
+        finally:
+            slots.append(slot)
+
+    prepared = {}
     with concurrent.futures.ThreadPoolExecutor(args.jobs) as pool:
-        def task(path):
-            slot = slots.pop()
-            try:
-                return runner.document(path, slot)
-            finally:
-                slots.append(slot)
-        for res in pool.map(task, docs):
+        chunks = [docs[i:i + args.batch] for i in range(0, len(docs), args.batch)]
+        for done in pool.map(lambda chunk: in_slot(runner.prepare, chunk), chunks):
+            prepared.update(done)
+            print("prepared %d of %d" % (len(prepared), len(docs)), file=sys.stderr, flush=True)
+        for res in pool.map(lambda path: in_slot(lambda p, slot: runner.document(p, slot, prepared.get(p)), path),
+                            docs):
             results.append(res)
-            print("%-8s %6.1fs  %s" % (res["state"], res["seconds"], res["document"]), file=sys.stderr, flush=True)
+            print("%-8s %6.1fs  %s  %s" % (res["state"], res["seconds"], res["document"],
+                                           " || ".join("%s: %s" % f for f in res["failures"])),
+                  file=sys.stderr, flush=True)
 
     states = [r["state"] for r in results]
     table = [("documents", len(results)),
