@@ -1,5 +1,7 @@
 #include "zylrange.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -8,6 +10,7 @@
 #include "zyllog.h"
 #include "zyloffice.h"
 #include "zylsession.h"
+#include "zylpagestyleimport.h"
 #include "zyltextmodel.h"
 
 using namespace css;
@@ -141,9 +144,28 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         }
         const QString url = QString::fromLatin1(QUrl::fromLocalFile(info.absoluteFilePath()).toEncoded());
         return withDocument("InsertFile", [&]() -> HRESULT {
+            ZylPageStyleImport layout;
+            bool prepared = false;
+            try {
+                prepared = layout.prepare(m_session->office().desktop(), m_document, info.absoluteFilePath(),
+                                          QDir::tempPath());
+            } catch (const uno::Exception &e) {
+                qCInfo(lcZylServer) << "inserting" << path << "without its page layout:"
+                                    << QString::fromUtf16(reinterpret_cast<const char16_t *>(e.Message.getStr()),
+                                                          e.Message.getLength());
+            }
+            struct RemoveWhenDone {
+                QString path;
+                ~RemoveWhenDone()
+                {
+                    if (!path.isEmpty())
+                        QFile::remove(path);
+                }
+            } preparedCopy{prepared ? layout.preparedPath() : QString()};
             ZylTextModel model(m_document);
             const LONG before = model.endPosition();
-            const HRESULT inserted = model.insertFile(m_start, url);
+            const HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
+                                              : model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))
                 m_end = m_start + (model.endPosition() - before);
             return inserted;

@@ -243,13 +243,17 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
 
     const Layout l = layout();
     uno::Reference<text::XText> viewText = view->getText();
-    if (inRepeatedHeading && viewText == m_text)
+    if (inRepeatedHeading && viewText == m_text) {
+        qCInfo(lcZylServer) << "GoTo page" << page << ": begins under a repeated heading row in body text";
         return E_FAIL;
+    }
     if (viewText == m_text) {
         int index = -1;
         const int x = offsetOf(l, view->getStart(), &index);
-        if (x < 0)
+        if (x < 0) {
+            qCInfo(lcZylServer) << "GoTo page" << page << ": its start is not in a body paragraph";
             return E_FAIL;
+        }
         const bool atParagraphStart = x == l.elements[size_t(index)].base;
         const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
         *position = (atParagraphStart && afterParagraph) ? x : x + 1;
@@ -274,8 +278,10 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
             break;
         }
     }
-    if (index < 0)
-        return E_FAIL; // a table nested in a frame or another table
+    if (index < 0) {
+        qCInfo(lcZylServer) << "GoTo page" << page << ": begins in a table nested in a frame or another table";
+        return E_FAIL;
+    }
     uno::Reference<beans::XPropertySet> cell;
     viewProps->getPropertyValue(ou("Cell")) >>= cell;
     rtl::OUString cellName;
@@ -306,8 +312,10 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
     while (lo < hi) {
         const int mid = (lo + hi) / 2;
         const int p = rowPage(mid);
-        if (p < 0)
+        if (p < 0) {
+            qCInfo(lcZylServer) << "GoTo page" << page << ": cannot find the page of row" << mid;
             return E_FAIL;
+        }
         if (p >= layoutPage)
             hi = mid;
         else
@@ -632,7 +640,7 @@ bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
     return true;
 }
 
-HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
+HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle)
 {
     const Layout before = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);
@@ -661,6 +669,17 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
     joinEmptyInsertionParagraph(before, point);
+    const int first = elementAt(before, point);
+    if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
+        // Some formats merge their first paragraph into the one inserted into, which keeps its own
+        // attributes: name the style on whatever now starts at the insertion point.
+        const Layout now = layout();
+        if (size_t(first) < now.elements.size()) {
+            uno::Reference<beans::XPropertySet> props(now.elements[size_t(first)].content, uno::UNO_QUERY);
+            if (props.is())
+                props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
+        }
+    }
     return S_OK;
 }
 

@@ -43,8 +43,9 @@ public:
     // One undo step: a paragraph break whose new paragraph starts on a new page.
     HRESULT insertPageBreak(LONG position);
     HRESULT insertParagraph(LONG position);
-    // Inserts the document at url; E_FAIL when nothing arrived.
-    HRESULT insertFile(LONG position, const QString &url);
+    // Inserts the document at url; E_FAIL when nothing arrived. A non-empty firstPageStyle starts
+    // the inserted content on a page of that style when it begins a paragraph.
+    HRESULT insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle = rtl::OUString());
 
 private:
     struct Element {

@@ -100,6 +100,8 @@ private slots:
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
+    void appendKeepsSourceLayout_data();
+    void appendKeepsSourceLayout();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
@@ -716,6 +718,70 @@ void tst_ZylServer::appendAfterCutThroughTable()
     QVERIFY(texts[0].startsWith(QStringLiteral("cover")));
     QVERIFY(texts[1].contains(QStringLiteral("row")));
     QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
+}
+
+void tst_ZylServer::appendKeepsSourceLayout_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("docx_source") << QStringLiteral("docx");
+    QTest::newRow("doc_source") << QStringLiteral("doc");
+    QTest::newRow("zyl_source") << QStringLiteral("zyl");
+}
+
+void tst_ZylServer::appendKeepsSourceLayout()
+{
+    // Target and source both lay out in their default page style, under the same name: an A4
+    // portrait target, a landscape letter source with a header.
+    QFETCH(QString, suffix);
+    const auto make = [this](const QString &name, const char *width, const char *height, const char *header,
+                             const QStringList &pages) {
+        QString body;
+        for (int i = 0; i < pages.size(); ++i)
+            body += QStringLiteral("<text:p%1>%2</text:p>").arg(i ? QStringLiteral(" text:style-name=\"B\"") : QString(), pages[i]);
+        const QString flat = m_dir.filePath(name + QStringLiteral(".fodt"));
+        QFile file(flat);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return QString();
+        file.write(QStringLiteral(
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+            "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
+            " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+            " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+            " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+            " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
+            "<office:automatic-styles>"
+            "<style:page-layout style:name=\"L\"><style:page-layout-properties fo:page-width=\"%1\" fo:page-height=\"%2\""
+            " fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
+            "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/></style:style>"
+            "</office:automatic-styles>"
+            "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">%3</style:master-page></office:master-styles>"
+            "<office:body><office:text>%4</office:text></office:body></office:document>")
+                       .arg(QLatin1String(width), QLatin1String(height),
+                            header ? QStringLiteral("<style:header><text:p>%1</text:p></style:header>").arg(QLatin1String(header)) : QString(),
+                            body)
+                       .toUtf8());
+        file.close();
+        const QString path = m_dir.filePath(name);
+        QFile::remove(path);
+        return ZylTestDocuments::convert(flat, path) ? path : QString();
+    };
+    const QString target = make(QStringLiteral("layout-target.docx"), "21cm", "29.7cm", nullptr, {"target one"});
+    const QString source = make(QStringLiteral("layout-source.") + suffix, "11in", "8.5in", "source header",
+                                {"source one", "source two"});
+    QVERIFY(!target.isEmpty() && !source.isEmpty());
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), source), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 3);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+
+    QCOMPARE(ZylTestDocuments::pdfPageSizes(target), (QVector<QSize>{{595, 842}, {792, 612}, {792, 612}}));
+    QCOMPARE(ZylTestDocuments::pageTexts(target),
+             QStringList({"target one", "source header source one", "source header source two"}));
 }
 
 void tst_ZylServer::saveAsFormats_data()
