@@ -155,7 +155,7 @@ class Runner:
         self.known_pages = known_pages
 
     def docmerge(self, argv, timeout):
-        env = dict(os.environ, QT_LOGGING_RULES="vzyl.server.info=true")
+        env = dict(os.environ, QT_LOGGING_RULES="vzyl.*=true;vzyl.*.debug=false")
         return run([self.args.docmerge] + argv, timeout, env=env)
 
     def prepare(self, paths, slot):

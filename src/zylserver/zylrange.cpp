@@ -164,8 +164,11 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
             ZylTextModel model(m_document);
             const LONG before = model.endPosition();
-            const HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
-                                              : model.insertFile(m_start, url);
+            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
+                                        : model.insertFile(m_start, url);
+            // Content that is only objects on an empty paragraph looks like nothing once prepared.
+            if (prepared && inserted == E_FAIL)
+                inserted = model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))
                 m_end = m_start + (model.endPosition() - before);
             return inserted;
