@@ -128,7 +128,11 @@ def similarity(a, b):
     matcher = difflib.SequenceMatcher(None, wa, wb, autojunk=False)
     if matcher.real_quick_ratio() < SIMILAR or matcher.quick_ratio() < SIMILAR:
         return matcher.quick_ratio()
-    return matcher.ratio()
+    ratio = matcher.ratio()
+    if ratio >= SIMILAR:
+        return ratio
+    # pdftotext reads frames, text boxes and table cells in an order that shifts with small moves.
+    return max(ratio, difflib.SequenceMatcher(None, sorted(wa), sorted(wb), autojunk=False).ratio())
 
 
 def same_size(a, b):
