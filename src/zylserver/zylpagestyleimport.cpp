@@ -26,6 +26,7 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
+#include <com/sun/star/text/XTextTable.hpp>
 
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
@@ -208,7 +209,16 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         if (follow != renamed.end())
             copy->setPropertyValue(ou("FollowStyle"), uno::Any(follow->second));
     }
-    for (size_t i = 0; i < elements.size(); ++i) {
+    // A leading table stays behind the paragraph it is inserted after, which takes the first style:
+    // a style of the table's own would start a second page.
+    uno::Reference<text::XTextTable> leadingTable(elements.front(), uno::UNO_QUERY);
+    if (leadingTable.is()) {
+        try {
+            elements.front()->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
+        } catch (const uno::Exception &) {
+        }
+    }
+    for (size_t i = leadingTable.is() ? 1 : 0; i < elements.size(); ++i) {
         const rtl::OUString desc = i == 0 ? first : stringProperty(elements[i], "PageDescName");
         const auto to = renamed.find(desc);
         if (to == renamed.end())

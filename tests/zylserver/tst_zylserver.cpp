@@ -723,9 +723,13 @@ void tst_ZylServer::appendAfterCutThroughTable()
 void tst_ZylServer::appendKeepsSourceLayout_data()
 {
     QTest::addColumn<QString>("suffix");
-    QTest::newRow("docx_source") << QStringLiteral("docx");
-    QTest::newRow("doc_source") << QStringLiteral("doc");
-    QTest::newRow("zyl_source") << QStringLiteral("zyl");
+    QTest::addColumn<bool>("leadingTable");
+    QTest::newRow("docx_source") << QStringLiteral("docx") << false;
+    QTest::newRow("doc_source") << QStringLiteral("doc") << false;
+    QTest::newRow("zyl_source") << QStringLiteral("zyl") << false;
+    // The table must not start a page of its own after the one the page break starts.
+    QTest::newRow("doc_source_starting_with_table") << QStringLiteral("doc") << true;
+    QTest::newRow("zyl_source_starting_with_table") << QStringLiteral("zyl") << true;
 }
 
 void tst_ZylServer::appendKeepsSourceLayout()
@@ -733,11 +737,16 @@ void tst_ZylServer::appendKeepsSourceLayout()
     // Target and source both lay out in their default page style, under the same name: an A4
     // portrait target, a landscape letter source with a header.
     QFETCH(QString, suffix);
-    const auto make = [this](const QString &name, const char *width, const char *height, const char *header,
-                             const QStringList &pages) {
+    QFETCH(bool, leadingTable);
+    const auto make = [this, leadingTable](const QString &name, const char *width, const char *height, const char *header,
+                                           const QStringList &pages) {
         QString body;
         for (int i = 0; i < pages.size(); ++i)
             body += QStringLiteral("<text:p%1>%2</text:p>").arg(i ? QStringLiteral(" text:style-name=\"B\"") : QString(), pages[i]);
+        if (leadingTable && header)
+            body = QStringLiteral("<table:table><table:table-column/><table:table-row><table:table-cell>%1</table:table-cell>"
+                                  "</table:table-row></table:table>").arg(body.section(QStringLiteral("</text:p>"), 0, 0) + QStringLiteral("</text:p>"))
+                + body.section(QStringLiteral("</text:p>"), 1);
         const QString flat = m_dir.filePath(name + QStringLiteral(".fodt"));
         QFile file(flat);
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
@@ -747,6 +756,7 @@ void tst_ZylServer::appendKeepsSourceLayout()
             "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
             " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
             " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+            " xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\""
             " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
             " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
             "<office:automatic-styles>"
