@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QUrl>
@@ -231,7 +232,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
 
     QString file;
     for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
-        file = QDir(folder).filePath(QStringLiteral("layout-%1.odt").arg(n));
+        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.odt").arg(QCoreApplication::applicationPid()).arg(n));
     const QString fileUrl = QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
     uno::Reference<frame::XStorable> storable(source, uno::UNO_QUERY_THROW);
     const beans::PropertyValue filter = property("FilterName", uno::Any(ou("writer8")));
