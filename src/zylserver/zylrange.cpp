@@ -166,7 +166,6 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             const LONG before = model.endPosition();
             HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
                                         : model.insertFile(m_start, url);
-            // Content that is only objects on an empty paragraph looks like nothing once prepared.
             if (prepared && inserted == E_FAIL)
                 inserted = model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))

@@ -7,6 +7,8 @@
 #include <com/sun/star/document/XDocumentInsertable.hpp>
 #include <com/sun/star/document/XUndoManager.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XDrawPageSupplier.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
@@ -651,10 +653,15 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     revealHiddenEnd(before, point);
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
+    const int objectsBefore = drawnObjects();
     insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());
     const Layout after = layout();
-    // Inserting fails silently (missing, encrypted or unreadable files): judge by the result.
-    if (after.elements.size() == before.elements.size() && after.length == before.length) {
+    // Inserting fails silently (missing, encrypted or unreadable files): judge by the result. A
+    // page of pictures only may bring nothing but pictures into the paragraph inserted into.
+    const bool textArrived = after.elements.size() != before.elements.size() || after.length != before.length;
+    // A document prepared with its page style is known to be readable: nothing from it is an
+    // empty page.
+    if (!textArrived && drawnObjects() == objectsBefore && firstPageStyle.isEmpty()) {
         qCWarning(lcZylServer) << "nothing was inserted from" << url;
         return E_FAIL;
     }
@@ -663,12 +670,16 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     // ends with its own mark and what followed the insertion point starts a paragraph.
     const int contentEnd = point + (after.length - before.length);
     const int index = elementAt(after, contentEnd);
-    if (index >= 0 && !after.elements[size_t(index)].isTable && after.elements[size_t(index)].base != contentEnd) {
-        uno::Reference<text::XTextCursor> end = cursorAt(after, contentEnd);
+    if (index >= 0 && !after.elements[size_t(index)].isTable
+        && (after.elements[size_t(index)].base != contentEnd || !textArrived)) {
+        const Element &e = after.elements[size_t(index)];
+        uno::Reference<text::XTextCursor> end = cursorAt(after, textArrived ? contentEnd : e.base + e.length);
         if (end.is())
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
-    joinEmptyInsertionParagraph(before, point);
+    // The paragraph inserted into holds the pictures: it stays.
+    if (textArrived)
+        joinEmptyInsertionParagraph(before, point);
     const int first = elementAt(before, point);
     if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
@@ -681,6 +692,12 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
         }
     }
     return S_OK;
+}
+
+int ZylTextModel::drawnObjects()
+{
+    uno::Reference<drawing::XDrawPageSupplier> supplier(m_document, uno::UNO_QUERY);
+    return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
 }
 
 void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)
