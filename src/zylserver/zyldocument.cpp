@@ -116,14 +116,15 @@ ZylDocument::~ZylDocument()
     m_document.clear();
 }
 
-HRESULT ZylDocument::withDocument(const char *what, const std::function<HRESULT()> &work)
+HRESULT ZylDocument::withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work)
 {
     return m_session->office().call(what, [&]() -> HRESULT {
-        if (!m_session->contains(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY))) {
+        const std::shared_ptr<ZylTextModel> model = m_session->textModel(m_document);
+        if (!model) {
             qCInfo(lcZylServer) << what << "on a closed document";
             return E_FAIL;
         }
-        return work();
+        return work(*model);
     });
 }
 
@@ -137,13 +138,13 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             return hr;
         if (statistic != kStatisticPages)
             return E_INVALIDARG;
-        return withDocument("ComputeStatistics", [&] {
-            setResult(result, LONG(ZylTextModel(m_document).pageCount()));
+        return withDocument("ComputeStatistics", [&](ZylTextModel &model) {
+            setResult(result, LONG(model.pageCount()));
             return S_OK;
         });
     }
     case ProtectionType:
-        return withDocument("ProtectionType", [&] {
+        return withDocument("ProtectionType", [&](ZylTextModel &) {
             setResult(result, LONG(protection()));
             return S_OK;
         });
@@ -152,7 +153,7 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         HRESULT hr = optionalInt(args, 0, kDoNotSaveChanges, &saveChanges);
         if (FAILED(hr))
             return hr;
-        return withDocument("Close", [&]() -> HRESULT {
+        return withDocument("Close", [&](ZylTextModel &) -> HRESULT {
             if (saveChanges != kDoNotSaveChanges) {
                 const HRESULT saved = save();
                 if (FAILED(saved))
@@ -162,7 +163,7 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         });
     }
     case Save:
-        return withDocument("Save", [&] { return save(); });
+        return withDocument("Save", [&](ZylTextModel &) { return save(); });
     case SaveAs2: {
         QString path;
         HRESULT hr = toText(args[0], &path);
@@ -177,14 +178,19 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             qCInfo(lcZylServer) << "no format to save" << path << "as (code" << format << ")";
             return E_INVALIDARG;
         }
-        return withDocument("SaveAs2", [&] { return saveAs(path, filter); });
+        return withDocument("SaveAs2", [&](ZylTextModel &) { return saveAs(path, filter); });
     }
     case Undo: {
         LONG count = 1;
         HRESULT hr = optionalInt(args, 0, 1, &count);
         if (FAILED(hr))
             return hr;
-        return withDocument("Undo", [&] { return undo(int(count)); });
+        return withDocument("Undo", [&](ZylTextModel &model) {
+            const HRESULT undone = undo(int(count));
+            // An undo can change anything; the model reads the document afresh.
+            model.invalidate();
+            return undone;
+        });
     }
     case GoTo: {
         LONG what = kGoToPage, which = kGoToAbsolute, page = 1;
@@ -197,9 +203,9 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             return hr;
         if (what != kGoToPage || which != kGoToAbsolute)
             return E_INVALIDARG;
-        return withDocument("GoTo", [&]() -> HRESULT {
+        return withDocument("GoTo", [&](ZylTextModel &model) -> HRESULT {
             LONG position = 0;
-            const HRESULT found = ZylTextModel(m_document).pageStart(int(page), &position);
+            const HRESULT found = model.pageStart(int(page), &position);
             if (FAILED(found))
                 return found;
             setResult(result, new ZylRange(m_session, m_document, position, position));
@@ -216,8 +222,8 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         const bool hasEnd = args.size() > 1 && !isMissing(args[1]);
         if (start < 0 || (hasEnd && end < 0))
             return E_INVALIDARG;
-        return withDocument("Range", [&]() -> HRESULT {
-            const LONG last = ZylTextModel(m_document).endPosition();
+        return withDocument("Range", [&](ZylTextModel &model) -> HRESULT {
+            const LONG last = model.endPosition();
             LONG s = std::min(start, last);
             LONG e = hasEnd ? std::min(end, last) : last;
             if (e < s)

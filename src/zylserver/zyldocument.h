@@ -9,6 +9,7 @@
 #include "zyldispatch.h"
 
 class ZylSession;
+class ZylTextModel;
 
 class ZylDocument : public ZylDispatch {
 public:
@@ -31,7 +32,7 @@ private:
     ~ZylDocument() override;
 
     // Runs work inside an office call, failing when the document is no longer open.
-    HRESULT withDocument(const char *what, const std::function<HRESULT()> &work);
+    HRESULT withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work);
     int protection();
     HRESULT save();
     HRESULT saveAs(const QString &path, const QString &filter);

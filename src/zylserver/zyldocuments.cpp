@@ -123,7 +123,7 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
                 component->dispose();
             return E_FAIL;
         }
-        m_session->add(model);
+        m_session->add(textDocument);
         setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
         return S_OK;
     });

@@ -23,6 +23,7 @@
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/style/BreakType.hpp>
 #include <com/sun/star/style/XStyle.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
@@ -112,6 +113,84 @@ void copyPageStyle(const uno::Reference<beans::XPropertySet> &from, const uno::R
                 continue;
             target->copyText(source);
             filled.push_back(target);
+        } catch (const uno::Exception &) {
+        }
+    }
+}
+
+
+// Paragraphs of a text, those in its tables' cells included.
+void collectParagraphs(const uno::Reference<container::XEnumerationAccess> &text,
+                       std::vector<uno::Reference<beans::XPropertySet>> *paragraphs)
+{
+    uno::Reference<container::XEnumeration> items = text->createEnumeration();
+    while (items->hasMoreElements()) {
+        uno::Reference<uno::XInterface> item(items->nextElement(), uno::UNO_QUERY);
+        uno::Reference<text::XTextTable> table(item, uno::UNO_QUERY);
+        if (table.is()) {
+            const uno::Sequence<rtl::OUString> cells = table->getCellNames();
+            for (const rtl::OUString &cell : cells) {
+                uno::Reference<container::XEnumerationAccess> cellText(table->getCellByName(cell), uno::UNO_QUERY);
+                if (cellText.is())
+                    collectParagraphs(cellText, paragraphs);
+            }
+            continue;
+        }
+        uno::Reference<beans::XPropertySet> paragraph(item, uno::UNO_QUERY);
+        if (paragraph.is())
+            paragraphs->push_back(paragraph);
+    }
+}
+
+// A paragraph style of a name the target has too takes the target's definition on insertion, and
+// the text reflows. Each such style the body uses is copied, with every value it resolves to, under
+// a name of its own.
+void keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, const uno::Reference<text::XTextDocument> &target)
+{
+    uno::Reference<style::XStyleFamiliesSupplier> sourceSupplier(source, uno::UNO_QUERY_THROW);
+    uno::Reference<style::XStyleFamiliesSupplier> targetSupplier(target, uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameContainer> sourceStyles(
+        sourceSupplier->getStyleFamilies()->getByName(ou("ParagraphStyles")), uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameContainer> targetStyles(
+        targetSupplier->getStyleFamilies()->getByName(ou("ParagraphStyles")), uno::UNO_QUERY_THROW);
+    uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
+    std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
+    collectParagraphs(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW), &paragraphs);
+    std::map<rtl::OUString, rtl::OUString> renamed;
+    for (const auto &paragraph : paragraphs) {
+        const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
+        if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name))
+            continue;
+        auto found = renamed.find(name);
+        if (found == renamed.end()) {
+            uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
+            const rtl::OUString display = stringProperty(style, "DisplayName");
+            rtl::OUString fresh;
+            for (int n = 2;; ++n) {
+                fresh = ou(QStringLiteral("%1 (%2)").arg(qs(display.isEmpty() ? name : display)).arg(n));
+                if (!targetStyles->hasByName(fresh) && !sourceStyles->hasByName(fresh))
+                    break;
+            }
+            uno::Reference<style::XStyle> copy(factory->createInstance(ou("com.sun.star.style.ParagraphStyle")), uno::UNO_QUERY_THROW);
+            sourceStyles->insertByName(fresh, uno::Any(copy));
+            uno::Reference<beans::XPropertySet> to(copy, uno::UNO_QUERY_THROW);
+            const uno::Sequence<beans::Property> all = style->getPropertySetInfo()->getProperties();
+            for (const beans::Property &p : all) {
+                // Links to other styles and lists stay with the original.
+                if ((p.Attributes & beans::PropertyAttribute::READONLY) || p.Name == "FollowStyle" || p.Name == "DisplayName"
+                    || p.Name == "ParentStyle" || p.Name == "ParaStyleConditions" || p.Name == "NumberingStyleName"
+                    || p.Name == "LinkStyle")
+                    continue;
+                try {
+                    to->setPropertyValue(p.Name, style->getPropertyValue(p.Name));
+                } catch (const uno::Exception &) {
+                }
+            }
+            found = renamed.emplace(name, fresh).first;
+        }
+        try {
+            // Direct formatting stays; only the style beneath it changes.
+            paragraph->setPropertyValue(ou("ParaStyleName"), uno::Any(found->second));
         } catch (const uno::Exception &) {
         }
     }
@@ -216,6 +295,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     if (leadingTable.is()) {
         try {
             elements.front()->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
+            elements.front()->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
         } catch (const uno::Exception &) {
         }
     }
@@ -228,6 +308,12 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
             elements[i]->setPropertyValue(ou("PageDescName"), uno::Any(to->second));
         } catch (const uno::Exception &) {
         }
+    }
+
+    try {
+        keepParagraphStyles(source, target);
+    } catch (const uno::Exception &) {
+        // The page layout comes along all the same.
     }
 
     QString file;

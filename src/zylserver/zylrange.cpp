@@ -5,8 +5,6 @@
 #include <QFileInfo>
 #include <QUrl>
 
-#include <com/sun/star/frame/XModel.hpp>
-
 #include "zyllog.h"
 #include "zyloffice.h"
 #include "zylsession.h"
@@ -52,14 +50,15 @@ ZylRange::~ZylRange()
     m_document.clear();
 }
 
-HRESULT ZylRange::withDocument(const char *what, const std::function<HRESULT()> &work)
+HRESULT ZylRange::withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work)
 {
     return m_session->office().call(what, [&]() -> HRESULT {
-        if (!m_session->contains(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY))) {
+        const std::shared_ptr<ZylTextModel> model = m_session->textModel(m_document);
+        if (!model) {
             qCInfo(lcZylServer) << what << "on a range of a closed document";
             return E_FAIL;
         }
-        return work();
+        return work(*model);
     });
 }
 
@@ -88,8 +87,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         return S_OK;
     }
     case Delete:
-        return withDocument("Delete", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("Delete", [&](ZylTextModel &model) -> HRESULT {
             // A collapsed range deletes the character after it.
             const LONG end = m_end > m_start ? m_end : m_start + 1;
             const HRESULT hr = model.deleteRange(m_start, end);
@@ -106,8 +104,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         }
         if (kind != PageBreak && kind != SectionBreakNextPage)
             return E_INVALIDARG;
-        return withDocument("InsertBreak", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("InsertBreak", [&](ZylTextModel &model) -> HRESULT {
             if (m_end > m_start) {
                 const HRESULT hr = model.deleteRange(m_start, m_end);
                 if (FAILED(hr))
@@ -120,8 +117,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         });
     }
     case InsertParagraph:
-        return withDocument("InsertParagraph", [&]() -> HRESULT {
-            ZylTextModel model(m_document);
+        return withDocument("InsertParagraph", [&](ZylTextModel &model) -> HRESULT {
             if (m_end > m_start) {
                 const HRESULT hr = model.deleteRange(m_start, m_end);
                 if (FAILED(hr))
@@ -143,7 +139,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             return E_INVALIDARG;
         }
         const QString url = QString::fromLatin1(QUrl::fromLocalFile(info.absoluteFilePath()).toEncoded());
-        return withDocument("InsertFile", [&]() -> HRESULT {
+        return withDocument("InsertFile", [&](ZylTextModel &model) -> HRESULT {
             ZylPageStyleImport layout;
             bool prepared = false;
             try {
@@ -162,7 +158,6 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
                         QFile::remove(path);
                 }
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
-            ZylTextModel model(m_document);
             const LONG before = model.endPosition();
             HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
                                         : model.insertFile(m_start, url);

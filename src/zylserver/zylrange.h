@@ -9,6 +9,7 @@
 #include "zyldispatch.h"
 
 class ZylSession;
+class ZylTextModel;
 
 class ZylRange : public ZylDispatch {
 public:
@@ -24,7 +25,7 @@ protected:
 
 private:
     ~ZylRange() override;
-    HRESULT withDocument(const char *what, const std::function<HRESULT()> &work);
+    HRESULT withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work);
 
     std::shared_ptr<ZylSession> m_session;
     css::uno::Reference<css::text::XTextDocument> m_document;

@@ -8,6 +8,7 @@
 
 #include "zyllog.h"
 #include "zyloffice.h"
+#include "zyltextmodel.h"
 
 using namespace css;
 
@@ -19,61 +20,70 @@ ZylSession::ZylSession(std::shared_ptr<ZylOffice> office)
 ZylSession::~ZylSession()
 {
     // Documents left open by a client that never called "Quit" close with the session.
-    std::vector<uno::Reference<frame::XModel>> left;
+    std::vector<Open> left;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        left.swap(m_models);
+        left.swap(m_open);
     }
-    if (!left.empty() && m_office) {
-        m_office->call("close on release", [&left] {
-            for (const auto &model : left)
-                closeModel(model);
-            return S_OK;
-        });
-    }
+    if (!left.empty() && m_office)
+        m_office->call("close on release", [&left] { return closeOpen(left); });
     left.clear();
 }
 
-void ZylSession::add(const uno::Reference<frame::XModel> &model)
+void ZylSession::add(const uno::Reference<text::XTextDocument> &document)
 {
+    Open open{uno::Reference<frame::XModel>(document, uno::UNO_QUERY), std::make_shared<ZylTextModel>(document)};
+    open.text->attach();
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_models.push_back(model);
+    m_open.push_back(std::move(open));
 }
 
-bool ZylSession::contains(const uno::Reference<frame::XModel> &model) const
+std::shared_ptr<ZylTextModel> ZylSession::textModel(const uno::Reference<text::XTextDocument> &document) const
 {
+    const uno::Reference<frame::XModel> model(document, uno::UNO_QUERY);
     std::lock_guard<std::mutex> lock(m_mutex);
-    return std::find(m_models.begin(), m_models.end(), model) != m_models.end();
+    auto it = std::find_if(m_open.begin(), m_open.end(), [&](const Open &o) { return o.model == model; });
+    return it == m_open.end() ? nullptr : it->text;
 }
 
 HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model)
 {
+    std::vector<Open> closing;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        auto it = std::find(m_models.begin(), m_models.end(), model);
-        if (it == m_models.end())
+        auto it = std::find_if(m_open.begin(), m_open.end(), [&](const Open &o) { return o.model == model; });
+        if (it == m_open.end())
             return E_FAIL;
-        m_models.erase(it);
+        closing.push_back(std::move(*it));
+        m_open.erase(it);
     }
+    closing.front().text->detach();
     closeModel(model);
     return S_OK;
 }
 
 HRESULT ZylSession::closeAll()
 {
-    std::vector<uno::Reference<frame::XModel>> models;
+    std::vector<Open> open;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        models.swap(m_models);
+        open.swap(m_open);
     }
+    return closeOpen(open);
+}
+
+HRESULT ZylSession::closeOpen(std::vector<Open> &open)
+{
     HRESULT hr = S_OK;
-    for (const auto &model : models) {
+    for (const Open &o : open) {
         try {
-            closeModel(model);
+            o.text->detach();
+            closeModel(o.model);
         } catch (const uno::Exception &) {
             hr = E_FAIL;
         }
     }
+    open.clear();
     return hr;
 }
 

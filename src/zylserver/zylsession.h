@@ -1,5 +1,6 @@
-// What one application object owns in the office: its office share and the documents it opened.
-// "Quit" closes exactly these documents.
+// What one application object owns in the office: its office share and the documents it opened,
+// each with the text model that lives as long as it is open. "Quit" closes exactly these
+// documents.
 #pragma once
 
 #include <memory>
@@ -7,10 +8,12 @@
 #include <vector>
 
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/text/XTextDocument.hpp>
 
 #include <vcomrt/com.h>
 
 class ZylOffice;
+class ZylTextModel;
 
 class ZylSession {
 public:
@@ -19,8 +22,10 @@ public:
 
     ZylOffice &office() const { return *m_office; }
 
-    void add(const css::uno::Reference<css::frame::XModel> &model);
-    bool contains(const css::uno::Reference<css::frame::XModel> &model) const;
+    // Takes the document in and gives it its text model; must run inside an office call.
+    void add(const css::uno::Reference<css::text::XTextDocument> &document);
+    // The open document's text model; null once it is closed.
+    std::shared_ptr<ZylTextModel> textModel(const css::uno::Reference<css::text::XTextDocument> &document) const;
     // Closes the document without saving; must run inside an office call.
     HRESULT close(const css::uno::Reference<css::frame::XModel> &model);
     // Closes every document of this session; must run inside an office call.
@@ -31,5 +36,12 @@ public:
 private:
     std::shared_ptr<ZylOffice> m_office;
     mutable std::mutex m_mutex;
-    std::vector<css::uno::Reference<css::frame::XModel>> m_models;
+    struct Open {
+        css::uno::Reference<css::frame::XModel> model;
+        std::shared_ptr<ZylTextModel> text;
+    };
+    // Lets go of the documents' text models and closes them; runs inside an office call.
+    static HRESULT closeOpen(std::vector<Open> &open);
+
+    std::vector<Open> m_open;
 };

@@ -1,5 +1,8 @@
 #include "zyltextmodel.h"
 
+#include <limits>
+#include <unordered_map>
+
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
@@ -23,6 +26,8 @@
 #include <com/sun/star/text/XTextRangeCompare.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
+#include <com/sun/star/util/XModifyBroadcaster.hpp>
+#include <cppuhelper/implbase1.hxx>
 
 #include "zyllog.h"
 
@@ -73,10 +78,111 @@ rtl::OUString pageStyleOf(const uno::Reference<uno::XInterface> &object)
 
 } // namespace
 
+struct ZylTextModel::Changes {
+    std::atomic<unsigned> foreign{0}; // changes made while no edit of ours ran
+    std::atomic<int> ownEdits{0};
+};
+
+// The office reports every change of the document; those that come while none of our edits runs
+// were made by someone else.
+class ZylTextModel::ChangeListener : public cppu::WeakImplHelper1<util::XModifyListener> {
+public:
+    explicit ChangeListener(std::shared_ptr<Changes> changes)
+        : m_changes(std::move(changes))
+    {
+    }
+    void SAL_CALL modified(const lang::EventObject &) override
+    {
+        if (m_changes->ownEdits.load() == 0)
+            ++m_changes->foreign;
+    }
+    void SAL_CALL disposing(const lang::EventObject &) override {}
+
+private:
+    std::shared_ptr<Changes> m_changes;
+};
+
+// Marks the changes the office reports meanwhile as our own.
+class ZylTextModel::OwnEdit {
+public:
+    explicit OwnEdit(ZylTextModel &model)
+        : m_changes(*model.m_changes)
+    {
+        model.sync();
+        ++m_changes.ownEdits;
+    }
+    ~OwnEdit() { --m_changes.ownEdits; }
+    OwnEdit(const OwnEdit &) = delete;
+    OwnEdit &operator=(const OwnEdit &) = delete;
+
+private:
+    Changes &m_changes;
+};
+
 ZylTextModel::ZylTextModel(const uno::Reference<text::XTextDocument> &document)
     : m_document(document)
     , m_text(document.is() ? document->getText() : uno::Reference<text::XText>())
+    , m_changes(std::make_shared<Changes>())
 {
+}
+
+ZylTextModel::~ZylTextModel() = default;
+
+void ZylTextModel::attach()
+{
+    uno::Reference<util::XModifyBroadcaster> broadcaster(m_document, uno::UNO_QUERY);
+    if (!broadcaster.is() || m_listener.is())
+        return;
+    m_listener = new ChangeListener(m_changes);
+    broadcaster->addModifyListener(m_listener);
+}
+
+void ZylTextModel::detach()
+{
+    uno::Reference<util::XModifyBroadcaster> broadcaster(m_document, uno::UNO_QUERY);
+    if (broadcaster.is() && m_listener.is()) {
+        try {
+            broadcaster->removeModifyListener(m_listener);
+        } catch (const uno::RuntimeException &) {
+            // Gone with the office; nothing listens any more.
+        }
+    }
+    m_listener.clear();
+    m_layout = Layout();
+    m_layoutValid = false;
+    m_printed.clear();
+    m_printedValid = false;
+    m_text.clear();
+    m_document.clear();
+}
+
+void ZylTextModel::sync()
+{
+    const unsigned foreign = m_changes->foreign.load();
+    if (foreign != m_seenForeign) {
+        m_seenForeign = foreign;
+        invalidate();
+    }
+}
+
+void ZylTextModel::invalidate()
+{
+    ++m_generation;
+    m_layoutValid = false;
+    m_printedValid = false;
+    m_pagesAnchor = -1;
+}
+
+void ZylTextModel::touch(int first, int last)
+{
+    ++m_generation;
+    first = std::max(first, 0);
+    if (m_layoutValid) {
+        m_dirtyFrom = m_dirtyFrom < 0 ? first : std::min(m_dirtyFrom, first);
+        m_dirtyTo = std::max(m_dirtyTo, last);
+    }
+    // Pages before the one the element ahead of the change ends on stay as they are.
+    m_pagesAnchor = m_printedValid ? std::min(m_pagesAnchor, first - 1) : -1;
 }
 
 int ZylTextModel::pageCount()
@@ -84,52 +190,169 @@ int ZylTextModel::pageCount()
     return int(printedPages().size());
 }
 
-std::vector<int> ZylTextModel::printedPages()
+int ZylTextModel::pageOfEnd(const Element &e)
 {
+    try {
+        uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextViewCursorSupplier> supplier(model->getCurrentController(), uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextViewCursor> view = supplier->getViewCursor();
+        uno::Reference<text::XPageCursor> pageCursor(view, uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY_THROW);
+        view->gotoRange(range->getEnd(), false);
+        return int(pageCursor->getPage());
+    } catch (const uno::RuntimeException &) {
+        return 0; // hidden text has no place in the view
+    }
+}
+
+const std::vector<int> &ZylTextModel::printedPages()
+{
+    sync();
+    if (m_printedValid && m_printedGeneration == m_generation)
+        return m_printed;
     uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
     uno::Reference<frame::XController> controller = model->getCurrentController();
     uno::Reference<beans::XPropertySet> controllerProps(controller, uno::UNO_QUERY_THROW);
     sal_Int32 pages = 0;
     controllerProps->getPropertyValue(ou("PageCount")) >>= pages;
+
+    // The pages before the one ahead of the first change are laid out as before; the page ahead
+    // may have gained or lost the blank page before it.
+    int from = 1;
+    if (m_printedValid && m_pagesAnchor >= 0) {
+        const Layout &l = layout();
+        int anchor = std::min(m_pagesAnchor, int(l.elements.size()) - 1);
+        while (anchor >= 0 && l.elements[size_t(anchor)].isTable)
+            --anchor;
+        const int anchorPage = anchor >= 0 ? pageOfEnd(l.elements[size_t(anchor)]) : 0;
+        if (anchorPage > 0)
+            from = std::max(1, anchorPage - 1);
+    }
     std::vector<int> printed;
+    for (int page : m_printed) {
+        if (from <= 1 || page >= from)
+            break;
+        printed.push_back(page);
+    }
     uno::Reference<text::XTextViewCursorSupplier> supplier(controller, uno::UNO_QUERY_THROW);
     uno::Reference<text::XPageCursor> pageCursor(supplier->getViewCursor(), uno::UNO_QUERY_THROW);
     // The view cursor refuses to go to a blank page: it has nothing to stand on.
-    for (sal_Int32 page = 1; page <= pages && page <= 32767; ++page) {
+    for (sal_Int32 page = from; page <= pages && page <= 32767; ++page) {
         if (pageCursor->jumpToPage(sal_Int16(page)))
             printed.push_back(int(page));
     }
-    return printed;
+    m_printed.swap(printed);
+    m_printedValid = true;
+    m_printedGeneration = m_generation;
+    m_pagesAnchor = std::numeric_limits<int>::max();
+    return m_printed;
 }
 
-ZylTextModel::Layout ZylTextModel::layout()
+ZylTextModel::Element ZylTextModel::readElement(const uno::Any &item)
 {
-    Layout l;
-    uno::Reference<container::XEnumerationAccess> access(m_text, uno::UNO_QUERY_THROW);
-    uno::Reference<container::XEnumeration> items = access->createEnumeration();
-    int offset = 0;
-    while (items->hasMoreElements()) {
-        Element e;
-        items->nextElement() >>= e.content;
-        uno::Reference<lang::XServiceInfo> info(e.content, uno::UNO_QUERY);
-        e.isTable = info.is() && info->supportsService(ou("com.sun.star.text.TextTable"));
-        if (e.isTable) {
-            uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY);
-            e.rows = table.is() ? std::max<int>(1, table->getRows()->getCount()) : 1;
-            e.length = e.rows - 1;
-        } else {
-            uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY);
-            e.length = range.is() ? range->getString().getLength() : 0;
-        }
-        e.base = offset;
-        offset += e.length + 1;
-        l.elements.push_back(e);
+    Element e;
+    item >>= e.content;
+    uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY);
+    e.isTable = table.is();
+    if (e.isTable) {
+        e.rows = std::max<int>(1, table->getRows()->getCount());
+        e.length = e.rows - 1;
+    } else {
+        uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY);
+        e.length = range.is() ? range->getString().getLength() : 0;
+    }
+    return e;
+}
+
+void ZylTextModel::place(Layout &l, size_t from)
+{
+    int offset = from == 0 ? 0 : l.elements[from - 1].base + l.elements[from - 1].length + 1;
+    for (size_t i = from; i < l.elements.size(); ++i) {
+        l.elements[i].base = offset;
+        offset += l.elements[i].length + 1;
     }
     // The last paragraph has no end mark of its own.
     l.length = l.elements.empty() ? 0 : offset - 1;
     if (!l.elements.empty() && l.elements.back().isTable)
         l.length = offset;
-    return l;
+}
+
+void ZylTextModel::readAll()
+{
+    Layout l;
+    uno::Reference<container::XEnumerationAccess> access(m_text, uno::UNO_QUERY_THROW);
+    uno::Reference<container::XEnumeration> items = access->createEnumeration();
+    while (items->hasMoreElements())
+        l.elements.push_back(readElement(items->nextElement()));
+    place(l, 0);
+    m_layout = std::move(l);
+}
+
+bool ZylTextModel::readFrom(int from, int lastTouched)
+{
+    std::vector<Element> &old = m_layout.elements;
+    from = std::min(from, int(old.size()));
+    // The selection starts at the end of an unchanged paragraph; a cursor cannot start in a table.
+    while (from > 0 && old[size_t(from - 1)].isTable)
+        --from;
+    if (from <= 0)
+        return false;
+    uno::Reference<text::XTextRange> anchor(old[size_t(from - 1)].content, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextCursor> cursor = m_text->createTextCursorByRange(anchor->getEnd());
+    cursor->gotoEnd(true);
+    uno::Reference<container::XEnumerationAccess> access(cursor, uno::UNO_QUERY_THROW);
+    uno::Reference<container::XEnumeration> items = access->createEnumeration();
+    // The first element is the rest of the anchor paragraph.
+    if (!items->hasMoreElements())
+        return false;
+    uno::Reference<text::XTextContent> first;
+    items->nextElement() >>= first;
+    if (!first.is() || uno::Reference<text::XTextTable>(first, uno::UNO_QUERY).is())
+        return false;
+
+    // Elements after the touched ones that come back as the same objects are unchanged, and so is
+    // everything after them.
+    std::unordered_map<const void *, size_t> unchanged;
+    for (size_t i = size_t(std::max(lastTouched + 2, from)); i < old.size(); ++i)
+        unchanged.emplace(old[i].content.get(), i);
+    std::vector<Element> fresh;
+    size_t resume = old.size();
+    while (items->hasMoreElements()) {
+        const uno::Any item = items->nextElement();
+        uno::Reference<text::XTextContent> content;
+        item >>= content;
+        const auto same = unchanged.find(content.get());
+        if (content.is() && same != unchanged.end()) {
+            resume = same->second;
+            break;
+        }
+        fresh.push_back(readElement(item));
+    }
+    // A selection leaves out an empty paragraph right after a table at its end.
+    if (resume == old.size() && (fresh.empty() || fresh.back().isTable))
+        return false;
+    fresh.insert(fresh.end(), std::make_move_iterator(old.begin() + std::ptrdiff_t(resume)),
+                 std::make_move_iterator(old.end()));
+    old.erase(old.begin() + from, old.end());
+    old.insert(old.end(), std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
+    place(m_layout, size_t(from));
+    return true;
+}
+
+const ZylTextModel::Layout &ZylTextModel::layout()
+{
+    sync();
+    if (m_layoutValid && m_dirtyFrom < 0)
+        return m_layout;
+    const int from = m_dirtyFrom;
+    const int to = m_dirtyTo;
+    m_dirtyFrom = m_dirtyTo = -1;
+    const bool wasValid = m_layoutValid;
+    m_layoutValid = false;
+    if (!wasValid || !readFrom(from, to))
+        readAll();
+    m_layoutValid = true;
+    return m_layout;
 }
 
 int ZylTextModel::elementAt(const Layout &l, int point)
@@ -151,6 +374,16 @@ int ZylTextModel::elementAt(const Layout &l, int point)
         return -1;
     const Element &e = l.elements[size_t(found)];
     return point <= e.base + e.length ? found : -1;
+}
+
+bool ZylTextModel::sameElement(const Element &a, const Element &b)
+{
+    if (a.isTable || b.isTable)
+        return a.content == b.content;
+    uno::Reference<text::XTextRangeCompare> compare(m_text, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextRange> ra(a.content, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextRange> rb(b.content, uno::UNO_QUERY_THROW);
+    return compare->compareRegionStarts(ra->getStart(), rb->getStart()) == 0;
 }
 
 int ZylTextModel::measure(const uno::Reference<text::XTextRange> &from, const uno::Reference<text::XTextRange> &to)
@@ -223,6 +456,27 @@ uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int po
 
 HRESULT ZylTextModel::pageStart(int page, LONG *position)
 {
+    const size_t count = printedPages().size();
+    if (page < 1 || size_t(page) > count)
+        return E_INVALIDARG;
+    if (m_pageStartsGeneration != m_generation || m_pageStarts.size() != count) {
+        m_pageStarts.assign(count, -1);
+        m_pageStartsGeneration = m_generation;
+    }
+    LONG &cached = m_pageStarts[size_t(page - 1)];
+    if (cached < 0) {
+        const HRESULT hr = findPageStart(page, &cached);
+        if (FAILED(hr)) {
+            cached = -1;
+            return hr;
+        }
+    }
+    *position = cached;
+    return S_OK;
+}
+
+HRESULT ZylTextModel::findPageStart(int page, LONG *position)
+{
     const std::vector<int> printed = printedPages();
     if (page < 1 || page > int(printed.size()))
         return E_INVALIDARG;
@@ -243,7 +497,7 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
     if (!inRepeatedHeading)
         pageCursor->jumpToStartOfPage();
 
-    const Layout l = layout();
+    const Layout &l = layout();
     uno::Reference<text::XText> viewText = view->getText();
     if (inRepeatedHeading && viewText == m_text) {
         qCInfo(lcZylServer) << "GoTo page" << page << ": begins under a repeated heading row in body text";
@@ -413,7 +667,9 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         rs = se.base - 1;
     }
 
+    OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
+    touch(fromVirtualMark ? 0 : startIndex - 1, std::min(last, endIndex + 1));
     if (startKind != Boundary && endKind != Boundary) {
         deleteText(l, rs, re, fromVirtualMark, endKind == Mark ? endIndex + 1 : -1);
         return S_OK;
@@ -498,7 +754,7 @@ void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualM
         // What is left of the first deleted paragraph goes too, so the follower starts the body.
         const Layout after = layout();
         if (after.elements.size() > 1 && !after.elements.front().isTable && after.elements.front().length == 0
-            && after.elements[1].content == l.elements[size_t(followerIndex)].content) {
+            && sameElement(after.elements[1], l.elements[size_t(followerIndex)])) {
             // The last paragraph of a text section cannot go while the section is there.
             uno::Reference<beans::XPropertySet> props(after.elements.front().content, uno::UNO_QUERY);
             uno::Reference<lang::XComponent> section;
@@ -508,6 +764,7 @@ void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualM
             uno::Reference<lang::XComponent> followerSection;
             if (followerProps.is())
                 followerProps->getPropertyValue(ou("TextSection")) >>= followerSection;
+            touch(0, 1);
             if (section.is() && section != followerSection)
                 section->dispose();
             uno::Reference<lang::XComponent>(after.elements.front().content, uno::UNO_QUERY_THROW)->dispose();
@@ -596,15 +853,18 @@ void ZylTextModel::restoreBreak(const Element &e, const BreakState &before)
 
 HRESULT ZylTextModel::insertPageBreak(LONG position)
 {
-    const Layout l = layout();
+    const Layout &l = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
     uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    OwnEdit own(*this);
     UndoContext undo(m_document, "Page break");
+    const int index = elementAt(l, point);
+    touch(index, index + 1);
     if (revealHiddenEnd(l, point)) {
         // The empty paragraph left after a table becomes the new page's first one.
-        uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(elementAt(l, point))].content, uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
         paragraph->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
         return S_OK;
     }
@@ -616,11 +876,14 @@ HRESULT ZylTextModel::insertPageBreak(LONG position)
 
 HRESULT ZylTextModel::insertParagraph(LONG position)
 {
-    const Layout l = layout();
+    const Layout &l = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
     uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    OwnEdit own(*this);
+    const int index = elementAt(l, point);
+    touch(index, index + 1);
     revealHiddenEnd(l, point);
     m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursor, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     return S_OK;
@@ -649,7 +912,10 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     uno::Reference<text::XTextCursor> cursor = cursorAt(before, point);
     if (!cursor.is())
         return E_INVALIDARG;
+    OwnEdit own(*this);
     UndoContext undo(m_document, "Insert file");
+    const int at = elementAt(before, point);
+    touch(at, at + 1);
     revealHiddenEnd(before, point);
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
@@ -674,6 +940,7 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
         && (after.elements[size_t(index)].base != contentEnd || !textArrived)) {
         const Element &e = after.elements[size_t(index)];
         uno::Reference<text::XTextCursor> end = cursorAt(after, textArrived ? contentEnd : e.base + e.length);
+        touch(index, index + 1);
         if (end.is())
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
@@ -687,8 +954,12 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
         const Layout now = layout();
         if (size_t(first) < now.elements.size()) {
             uno::Reference<beans::XPropertySet> props(now.elements[size_t(first)].content, uno::UNO_QUERY);
-            if (props.is())
+            touch(first, first + 1);
+            // The style starts the page; a page break as well is written as a second break in .docx.
+            if (props.is()) {
+                props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
                 props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
+            }
         }
     }
     return S_OK;
@@ -726,6 +997,7 @@ void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)
     emptyProps->getPropertyValue(ou("BreakType")) >>= emptyBreak;
     firstProps->getPropertyValue(ou("PageDescName")) >>= firstDesc;
     firstProps->getPropertyValue(ou("BreakType")) >>= firstBreak;
+    touch(index, index + 1);
     component->dispose();
     if (layout().elements.size() != now.elements.size() - 1) {
         qCWarning(lcZylServer) << "the empty paragraph before inserted content stays";

@@ -14,8 +14,16 @@
 // cut with such an end removes whole paragraphs and tables instead. A page that begins inside a
 // table begins at the first row that starts on it, so a cut through a table removes the rows on
 // the removed pages and keeps the others with their heading rows.
+//
+// One model lives as long as its document is open. What it reads from the office (elements and
+// their positions, printed pages, page starts) is kept between calls and belongs to a generation:
+// each edit made here moves the generation on and marks where the document changed, so the next
+// read takes up only the elements and pages from there on; a change anyone else makes (the
+// office tells through its modify notification) or an undo drops everything.
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <vector>
 
 #include <QString>
@@ -25,12 +33,24 @@
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCursor.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
+#include <com/sun/star/util/XModifyListener.hpp>
 
 #include <vcomrt/com.h>
 
 class ZylTextModel {
 public:
     explicit ZylTextModel(const css::uno::Reference<css::text::XTextDocument> &document);
+    ~ZylTextModel();
+
+    ZylTextModel(const ZylTextModel &) = delete;
+    ZylTextModel &operator=(const ZylTextModel &) = delete;
+
+    // Listening to the office starts and ends here; both must run inside an office call.
+    void attach();
+    void detach();
+
+    // Forgets everything read so far, for changes the model cannot follow (an undo).
+    void invalidate();
 
     // Pages as the office prints them now: the blank pages it adds to give a page the parity its
     // number or style asks for are left out, as they are in its own PDF export.
@@ -67,9 +87,28 @@ private:
         rtl::OUString layoutStyle; // page style the element is laid out with
     };
 
+    struct Changes;
+    class ChangeListener;
+    class OwnEdit;
+
     // Layout page numbers of the pages that are printed, in order.
-    std::vector<int> printedPages();
-    Layout layout();
+    const std::vector<int> &printedPages();
+    const Layout &layout();
+    HRESULT findPageStart(int page, LONG *position);
+    // Drops what is cached when someone else changed the document.
+    void sync();
+    // Records, right before an edit, that elements first..last of the current layout are about to
+    // change; elements before first and after last + 1 stay as they are.
+    void touch(int first, int last);
+    static Element readElement(const css::uno::Any &item);
+    // Sets the bases of the elements from `from` on, and the body's length.
+    static void place(Layout &l, size_t from);
+    void readAll();
+    // Reads the elements again from `from` on, after the paragraph before it; false when it
+    // cannot, and nothing is changed.
+    bool readFrom(int from, int lastTouched);
+    // Layout page where the element ends; 0 when the view cannot tell.
+    int pageOfEnd(const Element &e);
     // Index of the element that holds real point `point` (a paragraph from its start to its end
     // mark, or a table's slot); -1 beyond the body.
     static int elementAt(const Layout &l, int point);
@@ -95,9 +134,28 @@ private:
     rtl::OUString layoutStyleOf(const Element &e);
     BreakState breakStateOf(const Element &e);
     void restoreBreak(const Element &e, const BreakState &before);
+    // Whether two elements, read at different times, are the same one: the office may hand out
+    // different objects for one paragraph.
+    bool sameElement(const Element &a, const Element &b);
     int measure(const css::uno::Reference<css::text::XTextRange> &from,
                 const css::uno::Reference<css::text::XTextRange> &to);
 
     css::uno::Reference<css::text::XTextDocument> m_document;
     css::uno::Reference<css::text::XText> m_text;
+    std::shared_ptr<Changes> m_changes;
+    css::uno::Reference<css::util::XModifyListener> m_listener;
+    unsigned m_seenForeign = 0;
+    unsigned long m_generation = 0;
+
+    Layout m_layout;
+    bool m_layoutValid = false;
+    int m_dirtyFrom = -1; // first element to read again; -1 when the layout is up to date
+    int m_dirtyTo = -1;   // last element an edit touched, in the layout before it
+
+    std::vector<int> m_printed;
+    bool m_printedValid = false;
+    unsigned long m_printedGeneration = 0;
+    int m_pagesAnchor = -1; // pages from the one before the page this element ends on may differ; -1: all
+    std::vector<LONG> m_pageStarts; // by printed page, -1 where not asked yet
+    unsigned long m_pageStartsGeneration = 0;
 };

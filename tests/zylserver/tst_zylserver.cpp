@@ -64,6 +64,32 @@ QVector<Page> afterTable()
             {"four", Page::Text, 0}};
 }
 
+// Page starts of every page, checked to agree with page ends and the end of the document.
+QVector<LONG> checkedPageStarts(IDispatch *doc, int expectedPages)
+{
+    QVector<LONG> starts;
+    LONG count = 0;
+    if (FAILED(A::pageCount(doc, &count)) || count != expectedPages) {
+        qWarning("%ld pages, expected %d", long(count), expectedPages);
+        return {};
+    }
+    LONG whole = 0;
+    ComPtr<IDispatch> range;
+    if (FAILED(A::methodObject(doc, QStringLiteral("Range"), {}, &range)) || FAILED(A::getInt(range.get(), QStringLiteral("End"), &whole)))
+        return {};
+    for (LONG n = 1; n <= count; ++n) {
+        LONG start = 0, end = 0;
+        if (FAILED(A::pageStart(doc, n, &start)) || FAILED(A::pageEnd(doc, n, &end)))
+            return {};
+        if ((!starts.isEmpty() && start <= starts.last()) || end <= start || (n == count && end != whole)) {
+            qWarning("page %ld runs from %ld to %ld (document end %ld)", long(n), long(start), long(end), long(whole));
+            return {};
+        }
+        starts.append(start);
+    }
+    return starts;
+}
+
 QString zipEntryHint(const QString &path)
 {
     QFile f(path);
@@ -102,6 +128,8 @@ private slots:
     void appendAfterCutThroughTable();
     void appendKeepsSourceLayout_data();
     void appendKeepsSourceLayout();
+    void editsMatchFreshReading_data();
+    void editsMatchFreshReading();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
@@ -801,6 +829,63 @@ void tst_ZylServer::appendKeepsSourceLayout()
         sizes << QSize(792, 612);
     QCOMPARE(ZylTestDocuments::pdfPageSizes(target), sizes);
     QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + texts);
+}
+
+void tst_ZylServer::editsMatchFreshReading_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVector<Page>>("pages");
+    QTest::newRow("plain_docx") << "step-plain.docx" << textPages({"one", "two", "three", "four", "five", "six"});
+    QTest::newRow("tables_zyl") << "step-tables.zyl"
+        << QVector<Page>{{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"three", Page::Text, 0},
+                         {"table four", Page::TableStart, 0}, {"five", Page::Text, 0}, {"six", Page::Text, 0}};
+    QTest::newRow("blank_pages_zyl") << "step-blank.zyl" << rightPages() + textPages({"five", "six"});
+}
+
+void tst_ZylServer::editsMatchFreshReading()
+{
+    // A merge edits a document at its start, in its middle and at its end, asking for pages in
+    // between; what the server answers after each edit must be what it reads from the document
+    // once it is opened afresh.
+    QFETCH(QString, name);
+    QFETCH(QVector<Page>, pages);
+    const QString appended = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString work = m_dir.filePath(QStringLiteral("work-") + name);
+    QFile::remove(work);
+    QVERIFY(QFile::copy(pageDoc(name, pages), work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    QStringList expected;
+    for (const Page &page : pages)
+        expected.append(page.text);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+
+    QCOMPARE(A::deletePages(doc.get(), 3, 3), S_OK);
+    expected.removeAt(2);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::deletePages(doc.get(), 1, 1), S_OK);
+    expected.removeAt(0);
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::appendDocument(doc.get(), appended), S_OK);
+    expected << "second alpha" << "second bravo" << "second charlie";
+    QVERIFY(!checkedPageStarts(doc.get(), expected.size()).isEmpty());
+    QCOMPARE(A::deletePages(doc.get(), expected.size(), expected.size()), S_OK);
+    expected.removeLast();
+    const QVector<LONG> kept = checkedPageStarts(doc.get(), expected.size());
+    QVERIFY(!kept.isEmpty());
+
+    const QString saved = m_dir.filePath(QStringLiteral("stepped-") + QFileInfo(name).completeBaseName() + QStringLiteral(".zyl"));
+    QFile::remove(saved);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("SaveAs2"), {A::text(saved), A::i4(0), A::empty(), A::text(QString()), A::i4(0)}), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    ComPtr<IDispatch> fresh;
+    QCOMPARE(A::open(m_app.get(), saved, &fresh), S_OK);
+    QCOMPARE(checkedPageStarts(fresh.get(), expected.size()), kept);
+    QCOMPARE(A::method(fresh.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(saved);
+    QCOMPARE(texts.size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i)
+        QVERIFY2(texts[i].startsWith(expected[i]), qPrintable(QStringLiteral("page %1 is '%2', wanted '%3'").arg(i + 1).arg(texts[i], expected[i])));
 }
 
 void tst_ZylServer::saveAsFormats_data()
