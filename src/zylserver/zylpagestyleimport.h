@@ -2,6 +2,7 @@
 // styles wherever names clash, and the inserted text then flows in the target's default page
 // style. A prepared copy of the document uses page styles under names the target does not have,
 // and its first paragraph names its first page's style, so its pages lay out as in the source.
+// Paragraph styles whose names the target has too come along the same way.
 #pragma once
 
 #include <QString>
