@@ -1,5 +1,6 @@
 #include "zyltextmodel.h"
 
+#include <atomic>
 #include <limits>
 #include <unordered_map>
 

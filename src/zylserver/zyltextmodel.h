@@ -22,7 +22,6 @@
 // office tells through its modify notification) or an undo drops everything.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <vector>
 

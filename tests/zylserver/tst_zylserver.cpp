@@ -130,6 +130,7 @@ private slots:
     void appendKeepsSourceLayout();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
+    void undoRestoresPages();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
@@ -886,6 +887,27 @@ void tst_ZylServer::editsMatchFreshReading()
     QCOMPARE(texts.size(), expected.size());
     for (int i = 0; i < expected.size(); ++i)
         QVERIFY2(texts[i].startsWith(expected[i]), qPrintable(QStringLiteral("page %1 is '%2', wanted '%3'").arg(i + 1).arg(texts[i], expected[i])));
+}
+
+void tst_ZylServer::undoRestoresPages()
+{
+    // A merge takes back a page break that did not start exactly one page; what the server knew
+    // of the pages before it is what it answers again.
+    const QString work = m_dir.filePath(QStringLiteral("work-undo.docx"));
+    QFile::remove(work);
+    QVERIFY(QFile::copy(pageDoc(QStringLiteral("step-plain.docx"), textPages({"one", "two", "three", "four", "five", "six"})), work));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), work, &doc), S_OK);
+    const QVector<LONG> before = checkedPageStarts(doc.get(), 6);
+    QVERIFY(!before.isEmpty());
+    ComPtr<IDispatch> end;
+    QCOMPARE(A::methodObject(doc.get(), QStringLiteral("Range"), {}, &end), S_OK);
+    QCOMPARE(A::method(end.get(), QStringLiteral("Collapse"), {A::i4(0)}), S_OK);
+    QCOMPARE(A::method(end.get(), QStringLiteral("InsertBreak"), {A::i4(7)}), S_OK);
+    QVERIFY(!checkedPageStarts(doc.get(), 7).isEmpty());
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Undo"), {A::i4(1)}), S_OK);
+    QCOMPARE(checkedPageStarts(doc.get(), 6), before);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
 }
 
 void tst_ZylServer::saveAsFormats_data()
