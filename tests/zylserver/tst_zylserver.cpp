@@ -134,6 +134,7 @@ private slots:
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
+    void legacyWordSavesAsWord97();
     void saveReplacesAtomically();
     void badFilesFailQuickly_data();
     void badFilesFailQuickly();
@@ -957,6 +958,27 @@ void tst_ZylServer::saveAsFormats()
     QCOMPARE(A::pageCount(reopened.get(), &pages), S_OK);
     QCOMPARE(pages, 3);
     QCOMPARE(A::method(reopened.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::legacyWordSavesAsWord97()
+{
+    // The office reads Word 6 files but cannot write them: a cut copy is saved as Word 97-2003.
+    const QString data = QStringLiteral(ZYL_TEST_DATA "/Word6_sections2.doc");
+    const QString path = m_dir.filePath(QStringLiteral("word6-cut.doc"));
+    QFile::remove(path);
+    QVERIFY(QFile::copy(data, path));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QVERIFY(pages >= 1);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QFile saved(path);
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    QVERIFY(saved.read(8) == QByteArray("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8));
+    QCOMPARE(ZylTestDocuments::pdfPageCount(path), int(pages));
 }
 
 void tst_ZylServer::saveAsRefusesExistingTarget()
