@@ -322,6 +322,9 @@ class Runner:
         for i, (r, page) in enumerate(expected):
             if page is None or i >= len(output):
                 continue
+            if page > len(source):
+                bad.setdefault(r, []).append("the office's PDF of the source has no page %d" % page)
+                continue
             text, size = output[i]
             src_text, src_size = source[page - 1]
             ratio = similarity(src_text, text)
@@ -393,9 +396,16 @@ def main():
         prepared = runner.prepare(chunk, slot)
         return [runner.document(p, slot, prepared.get(p)) for p in chunk]
 
+    def guarded(chunk, slot):
+        try:
+            return chunk_task(chunk, slot)
+        except Exception as e:  # a fault of the runner itself is reported, not fatal
+            return [{"document": os.path.basename(p), "state": "failed", "pages": None, "pdf_pages": None,
+                     "failures": [("-", "runner error: %r" % e)], "seconds": 0.0} for p in chunk]
+
     with concurrent.futures.ThreadPoolExecutor(args.jobs) as pool:
         chunks = [docs[i:i + args.batch] for i in range(0, len(docs), args.batch)]
-        for done in pool.map(lambda chunk: in_slot(chunk_task, chunk), chunks):
+        for done in pool.map(lambda chunk: in_slot(guarded, chunk), chunks):
             for res in done:
                 results.append(res)
                 if res["state"] != "not run":
