@@ -193,7 +193,7 @@ void DocMergeRunner::startMerge()
     }
     for (const MergeSource &source : sources) {
         if (!QFileInfo(source.path()).isFile()) {
-            failMerge(QStringLiteral("no such file: %1").arg(source.path()));
+            failMerge(QStringLiteral("no such file: %1").arg(source.path()), source.path());
             return;
         }
         if (source.to() < source.from()) {
@@ -242,7 +242,7 @@ void DocMergeRunner::onMergeFinished(int result)
         m_progress.show(100, QStringLiteral("done"));
         m_progress.clear();
         if (m_options.json())
-            printMergeJson(true, QString());
+            printMergeJson(true, QString(), QString());
         else
             print(m_out, QStringLiteral("%1\n").arg(m_task.outputPath));
         finishWhenIdle(Success);
@@ -299,31 +299,69 @@ void DocMergeRunner::onDiagnosisFinished(bool success)
                 continue;
             if (!entry.success) {
                 failMerge(QStringLiteral("cannot read %1: missing, damaged, protected or not a document")
-                              .arg(sources.at(i).path()));
+                              .arg(sources.at(i).path()),
+                          sources.at(i).path());
                 return;
             }
             if (item.from > entry.pages) {
                 failMerge(QStringLiteral("%1 has %2 page(s); the range %3 starts past its end")
                               .arg(sources.at(i).path())
                               .arg(entry.pages)
-                              .arg(rangeText(sources.at(i))));
+                              .arg(rangeText(sources.at(i))),
+                          sources.at(i).path());
                 return;
             }
         }
     }
-    failMerge(QStringLiteral("the word processor could not merge the documents"));
+    probeSource(0);
 }
 
-void DocMergeRunner::failMerge(const QString &reason)
+// Every source reads: merge each one's range with itself, alone, to find the one whose pages the
+// word processor cannot cut.
+void DocMergeRunner::probeSource(int index)
+{
+    const QList<MergeSource> sources = m_options.sources();
+    if (index >= sources.size()) {
+        failMerge(QStringLiteral("the word processor could not merge the documents"));
+        return;
+    }
+    m_probeIndex = index;
+    const MergeSource &source = sources.at(index);
+    const MergeTask probe = buildTask({source, source},
+                                      VMEnv::workFilePath(QStringLiteral("probe"), QFileInfo(source.path()).suffix(), 0));
+    if (probe.workPath.isEmpty() || probe.outputPath.isEmpty()) {
+        failMerge(QStringLiteral("the word processor could not merge the documents"));
+        return;
+    }
+    m_merger = new VSMZylMerger(this);
+    connect(m_merger.data(), &VSMMerger::mergeFinished, this, &DocMergeRunner::onProbeFinished);
+    m_merger->start(probe);
+}
+
+void DocMergeRunner::onProbeFinished(int result)
+{
+    if (m_canceled)
+        return;
+    if (result == 0) {
+        probeSource(m_probeIndex + 1);
+        return;
+    }
+    const MergeSource source = m_options.sources().at(m_probeIndex);
+    failMerge(QStringLiteral("the word processor cannot take the pages %1 of %2")
+                  .arg(rangeText(source), source.path()),
+              source.path());
+}
+
+void DocMergeRunner::failMerge(const QString &reason, const QString &failedSource)
 {
     m_progress.clear();
     if (m_options.json())
-        printMergeJson(false, reason);
+        printMergeJson(false, reason, failedSource);
     print(m_err, QStringLiteral("docmerge: merge failed: %1\n").arg(reason));
     finishWhenIdle(Failure);
 }
 
-void DocMergeRunner::printMergeJson(bool success, const QString &error)
+void DocMergeRunner::printMergeJson(bool success, const QString &error, const QString &failedSource)
 {
     QJsonArray sources;
     for (const MergeSource &source : m_options.sources()) {
@@ -340,6 +378,8 @@ void DocMergeRunner::printMergeJson(bool success, const QString &error)
     root.insert(QStringLiteral("output"), success ? QJsonValue(m_task.outputPath) : QJsonValue());
     if (!success)
         root.insert(QStringLiteral("error"), error);
+    if (!failedSource.isEmpty())
+        root.insert(QStringLiteral("failedSource"), failedSource);
     root.insert(QStringLiteral("sources"), sources);
     print(m_out, QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Indented)));
 }

@@ -56,11 +56,13 @@ private:
     void onMergeFinished(int result);
     void diagnose();
     void onDiagnosisFinished(bool success);
-    void failMerge(const QString &reason);
+    void probeSource(int index);
+    void onProbeFinished(int result);
+    void failMerge(const QString &reason, const QString &failedSource = QString());
     void finishWhenIdle(int exitCode);
     void finishIfIdle();
     void printCountJson(bool serverStarted);
-    void printMergeJson(bool success, const QString &error);
+    void printMergeJson(bool success, const QString &error, const QString &failedSource);
     void removeUnwantedOutput();
 
     DocMergeOptions m_options;
@@ -71,6 +73,7 @@ private:
     QPointer<VSMMerger> m_merger;
     QVector<CountEntry> m_entries;
     MergeTask m_task;
+    int m_probeIndex = 0;
     bool m_outputExisted = true;
     bool m_canceled = false;
     bool m_finishing = false;

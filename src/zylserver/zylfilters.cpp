@@ -50,7 +50,9 @@ QString ZylFilters::exportFilter(bool hasFormat, int format, const QString &targ
         // Filters that only import cannot write the document back; fall back to the target's name.
         if (loadFilter.isEmpty() || loadFilter.startsWith(QLatin1String("HTML")) || !isDocumentFilter(loadFilter))
             return exportFilterForExtension(targetPath);
-        if (loadFilter == QLatin1String("writer_pdf_import") || loadFilter.startsWith(QLatin1String("OpenDocument Text Flat")))
+        // Word 6 and 95 files are written back as Word 97-2003, which every word processor reads.
+        if (loadFilter == QLatin1String("writer_pdf_import") || loadFilter.startsWith(QLatin1String("OpenDocument Text Flat"))
+            || loadFilter == QLatin1String("MS WinWord 6.0") || loadFilter == QLatin1String("MS Word 95"))
             return exportFilterForExtension(targetPath);
         return loadFilter;
     }

@@ -1,11 +1,14 @@
 #include "zylrange.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
 #include "zyllog.h"
 #include "zyloffice.h"
 #include "zylsession.h"
+#include "zylpagestyleimport.h"
 #include "zyltextmodel.h"
 
 using namespace css;
@@ -137,8 +140,29 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
         }
         const QString url = QString::fromLatin1(QUrl::fromLocalFile(info.absoluteFilePath()).toEncoded());
         return withDocument("InsertFile", [&](ZylTextModel &model) -> HRESULT {
+            ZylPageStyleImport layout;
+            bool prepared = false;
+            try {
+                prepared = layout.prepare(m_session->office().desktop(), m_document, info.absoluteFilePath(),
+                                          QDir::tempPath());
+            } catch (const uno::Exception &e) {
+                qCInfo(lcZylServer) << "inserting" << path << "without its page layout:"
+                                    << QString::fromUtf16(reinterpret_cast<const char16_t *>(e.Message.getStr()),
+                                                          e.Message.getLength());
+            }
+            struct RemoveWhenDone {
+                QString path;
+                ~RemoveWhenDone()
+                {
+                    if (!path.isEmpty())
+                        QFile::remove(path);
+                }
+            } preparedCopy{prepared ? layout.preparedPath() : QString()};
             const LONG before = model.endPosition();
-            const HRESULT inserted = model.insertFile(m_start, url);
+            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
+                                        : model.insertFile(m_start, url);
+            if (prepared && inserted == E_FAIL)
+                inserted = model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))
                 m_end = m_start + (model.endPosition() - before);
             return inserted;

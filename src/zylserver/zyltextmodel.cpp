@@ -11,6 +11,8 @@
 #include <com/sun/star/document/XDocumentInsertable.hpp>
 #include <com/sun/star/document/XUndoManager.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XDrawPageSupplier.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
@@ -494,13 +496,17 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
 
     const Layout &l = layout();
     uno::Reference<text::XText> viewText = view->getText();
-    if (inRepeatedHeading && viewText == m_text)
+    if (inRepeatedHeading && viewText == m_text) {
+        qCInfo(lcZylServer) << "GoTo page" << page << ": begins under a repeated heading row in body text";
         return E_FAIL;
+    }
     if (viewText == m_text) {
         int index = -1;
         const int x = offsetOf(l, view->getStart(), &index);
-        if (x < 0)
+        if (x < 0) {
+            qCInfo(lcZylServer) << "GoTo page" << page << ": its start is not in a body paragraph";
             return E_FAIL;
+        }
         const bool atParagraphStart = x == l.elements[size_t(index)].base;
         const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;
         *position = (atParagraphStart && afterParagraph) ? x : x + 1;
@@ -525,8 +531,10 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
             break;
         }
     }
-    if (index < 0)
-        return E_FAIL; // a table nested in a frame or another table
+    if (index < 0) {
+        qCInfo(lcZylServer) << "GoTo page" << page << ": begins in a table nested in a frame or another table";
+        return E_FAIL;
+    }
     uno::Reference<beans::XPropertySet> cell;
     viewProps->getPropertyValue(ou("Cell")) >>= cell;
     rtl::OUString cellName;
@@ -557,8 +565,10 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
     while (lo < hi) {
         const int mid = (lo + hi) / 2;
         const int p = rowPage(mid);
-        if (p < 0)
+        if (p < 0) {
+            qCInfo(lcZylServer) << "GoTo page" << page << ": cannot find the page of row" << mid;
             return E_FAIL;
+        }
         if (p >= layoutPage)
             hi = mid;
         else
@@ -892,7 +902,7 @@ bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
     return true;
 }
 
-HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
+HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle)
 {
     const Layout before = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);
@@ -906,10 +916,15 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
     revealHiddenEnd(before, point);
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
+    const int objectsBefore = drawnObjects();
     insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());
     const Layout after = layout();
-    // Inserting fails silently (missing, encrypted or unreadable files): judge by the result.
-    if (after.elements.size() == before.elements.size() && after.length == before.length) {
+    // Inserting fails silently (missing, encrypted or unreadable files): judge by the result. A
+    // page of pictures only may bring nothing but pictures into the paragraph inserted into.
+    const bool textArrived = after.elements.size() != before.elements.size() || after.length != before.length;
+    // A document prepared with its page style is known to be readable: nothing from it is an
+    // empty page.
+    if (!textArrived && drawnObjects() == objectsBefore && firstPageStyle.isEmpty()) {
         qCWarning(lcZylServer) << "nothing was inserted from" << url;
         return E_FAIL;
     }
@@ -918,14 +933,39 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url)
     // ends with its own mark and what followed the insertion point starts a paragraph.
     const int contentEnd = point + (after.length - before.length);
     const int index = elementAt(after, contentEnd);
-    if (index >= 0 && !after.elements[size_t(index)].isTable && after.elements[size_t(index)].base != contentEnd) {
-        uno::Reference<text::XTextCursor> end = cursorAt(after, contentEnd);
+    if (index >= 0 && !after.elements[size_t(index)].isTable
+        && (after.elements[size_t(index)].base != contentEnd || !textArrived)) {
+        const Element &e = after.elements[size_t(index)];
+        uno::Reference<text::XTextCursor> end = cursorAt(after, textArrived ? contentEnd : e.base + e.length);
         touch(index, index + 1);
         if (end.is())
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
-    joinEmptyInsertionParagraph(before, point);
+    // The paragraph inserted into holds the pictures: it stays.
+    if (textArrived)
+        joinEmptyInsertionParagraph(before, point);
+    const int first = elementAt(before, point);
+    if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
+        // Some formats merge their first paragraph into the one inserted into, which keeps its own
+        // attributes: name the style on whatever now starts at the insertion point.
+        const Layout now = layout();
+        if (size_t(first) < now.elements.size()) {
+            uno::Reference<beans::XPropertySet> props(now.elements[size_t(first)].content, uno::UNO_QUERY);
+            touch(first, first + 1);
+            // The style starts the page; a page break as well is written as a second break in .docx.
+            if (props.is()) {
+                props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+                props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
+            }
+        }
+    }
     return S_OK;
+}
+
+int ZylTextModel::drawnObjects()
+{
+    uno::Reference<drawing::XDrawPageSupplier> supplier(m_document, uno::UNO_QUERY);
+    return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
 }
 
 void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)

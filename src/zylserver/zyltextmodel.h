@@ -62,8 +62,10 @@ public:
     // One undo step: a paragraph break whose new paragraph starts on a new page.
     HRESULT insertPageBreak(LONG position);
     HRESULT insertParagraph(LONG position);
-    // Inserts the document at url; E_FAIL when nothing arrived.
-    HRESULT insertFile(LONG position, const QString &url);
+    // Inserts the document at url; E_FAIL when nothing arrived. A non-empty firstPageStyle starts
+    // the inserted content on a page of that style when it begins a paragraph, and says that the
+    // document was read already, so that nothing arriving means an empty document.
+    HRESULT insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle = rtl::OUString());
 
 private:
     struct Element {
@@ -116,6 +118,8 @@ private:
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
+    int drawnObjects();
     // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
     void joinEmptyInsertionParagraph(const Layout &before, int point);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point

@@ -138,12 +138,15 @@ private slots:
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
+    void appendKeepsSourceLayout_data();
+    void appendKeepsSourceLayout();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void undoRestoresPages();
     void saveAsFormats_data();
     void saveAsFormats();
     void saveAsRefusesExistingTarget();
+    void legacyWordSavesAsWord97();
     void saveReplacesAtomically();
     void webVariantIsATextDocument();
     void badFilesFailQuickly_data();
@@ -760,6 +763,89 @@ void tst_ZylServer::appendAfterCutThroughTable()
     QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
 }
 
+void tst_ZylServer::appendKeepsSourceLayout_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<QString>("body"); // the source's body, in its landscape letter default page style
+    QTest::addColumn<QStringList>("texts"); // the source's pages after the target's one
+    const QString twoPages = QStringLiteral("<text:p>source one</text:p><text:p text:style-name=\"B\">source two</text:p>");
+    const QStringList twoTexts{"source header source one", "source header source two"};
+    QTest::newRow("docx_source") << QStringLiteral("docx") << twoPages << twoTexts;
+    QTest::newRow("doc_source") << QStringLiteral("doc") << twoPages << twoTexts;
+    QTest::newRow("zyl_source") << QStringLiteral("zyl") << twoPages << twoTexts;
+    // The table must not start a page of its own after the one the page break starts.
+    const QString table = QStringLiteral("<table:table><table:table-column/><table:table-row><table:table-cell>"
+                                         "<text:p>source one</text:p></table:table-cell></table:table-row></table:table>"
+                                         "<text:p text:style-name=\"B\">source two</text:p>");
+    QTest::newRow("doc_source_starting_with_table") << QStringLiteral("doc") << table << twoTexts;
+    QTest::newRow("zyl_source_starting_with_table") << QStringLiteral("zyl") << table << twoTexts;
+    // Pages without text still arrive, with what they show.
+    const QString shape = QStringLiteral("<text:p><draw:rect text:anchor-type=\"as-char\" svg:width=\"4cm\" svg:height=\"4cm\"/></text:p>");
+    QTest::newRow("doc_source_shape_only") << QStringLiteral("doc") << shape << QStringList{"source header"};
+    QTest::newRow("zyl_source_shape_only") << QStringLiteral("zyl") << shape << QStringList{"source header"};
+    QTest::newRow("doc_source_empty") << QStringLiteral("doc") << QStringLiteral("<text:p/>") << QStringList{"source header"};
+}
+
+void tst_ZylServer::appendKeepsSourceLayout()
+{
+    // Target and source both lay out in their default page style, under the same name: an A4
+    // portrait target, a landscape letter source with a header.
+    QFETCH(QString, suffix);
+    QFETCH(QString, body);
+    QFETCH(QStringList, texts);
+    const auto make = [this](const QString &name, const char *width, const char *height, const QString &header,
+                             const QString &content) {
+        const QString flat = m_dir.filePath(name + QStringLiteral(".fodt"));
+        QFile file(flat);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return QString();
+        file.write(QStringLiteral(
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+            "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
+            " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+            " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+            " xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\""
+            " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\""
+            " xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+            " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+            " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
+            "<office:automatic-styles>"
+            "<style:page-layout style:name=\"L\"><style:page-layout-properties fo:page-width=\"%1\" fo:page-height=\"%2\""
+            " fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
+            "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/></style:style>"
+            "</office:automatic-styles>"
+            "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">%3</style:master-page></office:master-styles>"
+            "<office:body><office:text>%4</office:text></office:body></office:document>")
+                       .arg(QLatin1String(width), QLatin1String(height),
+                            header.isEmpty() ? QString() : QStringLiteral("<style:header><text:p>%1</text:p></style:header>").arg(header),
+                            content)
+                       .toUtf8());
+        file.close();
+        const QString path = m_dir.filePath(name);
+        QFile::remove(path);
+        return ZylTestDocuments::convert(flat, path) ? path : QString();
+    };
+    const QString target = make(QStringLiteral("layout-target.docx"), "21cm", "29.7cm", QString(),
+                                QStringLiteral("<text:p>target one</text:p>"));
+    const QString source = make(QStringLiteral("layout-source.") + suffix, "11in", "8.5in", QStringLiteral("source header"), body);
+    QVERIFY(!target.isEmpty() && !source.isEmpty());
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), source), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, LONG(1 + texts.size()));
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+
+    QVector<QSize> sizes{{595, 842}};
+    for (int i = 0; i < texts.size(); ++i)
+        sizes << QSize(792, 612);
+    QCOMPARE(ZylTestDocuments::pdfPageSizes(target), sizes);
+    QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + texts);
+}
+
 void tst_ZylServer::editsMatchFreshReading_data()
 {
     QTest::addColumn<QString>("name");
@@ -889,6 +975,27 @@ void tst_ZylServer::saveAsFormats()
     QCOMPARE(A::pageCount(reopened.get(), &pages), S_OK);
     QCOMPARE(pages, 3);
     QCOMPARE(A::method(reopened.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+}
+
+void tst_ZylServer::legacyWordSavesAsWord97()
+{
+    // The office reads Word 6 files but cannot write them: a cut copy is saved as Word 97-2003.
+    const QString data = QStringLiteral(ZYL_TEST_DATA "/Word6_sections2.doc");
+    const QString path = m_dir.filePath(QStringLiteral("word6-cut.doc"));
+    QFile::remove(path);
+    QVERIFY(QFile::copy(data, path));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QVERIFY(pages >= 1);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QFile saved(path);
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    QVERIFY(saved.read(8) == QByteArray("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8));
+    QCOMPARE(ZylTestDocuments::pdfPageCount(path), int(pages));
 }
 
 void tst_ZylServer::saveAsRefusesExistingTarget()

@@ -296,6 +296,29 @@ QStringList ZylTestDocuments::pageTexts(const QString &path, QString *error)
     return pages;
 }
 
+QVector<QSize> ZylTestDocuments::pdfPageSizes(const QString &path, QString *error)
+{
+    QTemporaryDir work;
+    const QString pdf = work.filePath(QStringLiteral("sizes.pdf"));
+    if (!exportPdf(path, pdf, error))
+        return {};
+    QProcess info;
+    info.start(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("100000"), pdf});
+    if (!info.waitForFinished(60000) || info.exitCode() != 0) {
+        setError(error, QStringLiteral("pdfinfo failed on %1").arg(path));
+        return {};
+    }
+    QVector<QSize> sizes;
+    QRegularExpressionMatchIterator it = QRegularExpression(QStringLiteral("^Page\\s+\\d+ size:\\s+([\\d.]+) x ([\\d.]+)"),
+                                                            QRegularExpression::MultilineOption)
+                                             .globalMatch(QString::fromUtf8(info.readAllStandardOutput()));
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        sizes << QSize(qRound(m.captured(1).toDouble()), qRound(m.captured(2).toDouble()));
+    }
+    return sizes;
+}
+
 int ZylTestDocuments::pdfPageCount(const QString &path, QString *error)
 {
     QTemporaryDir work;

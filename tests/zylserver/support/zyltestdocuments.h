@@ -7,6 +7,7 @@
 // the office, which runs with a private profile of its own and ends after every conversion.
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -40,6 +41,8 @@ public:
     static QStringList pageTexts(const QString &path, QString *error = nullptr);
     // Pages of the office's PDF export; -1 on failure.
     static int pdfPageCount(const QString &path, QString *error = nullptr);
+    // Width and height in points of every page of the office's PDF export; empty on failure.
+    static QVector<QSize> pdfPageSizes(const QString &path, QString *error = nullptr);
     // Converts source into target (format from target's suffix). Target must not exist.
     static bool convert(const QString &source, const QString &target, QString *error = nullptr);
     // Writes the office's PDF export of source to pdfPath.

@@ -1,0 +1,332 @@
+#include "zylpagestyleimport.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QUrl>
+
+#include <com/sun/star/beans/Property.hpp>
+#include <com/sun/star/beans/PropertyAttribute.hpp>
+#include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XEnumeration.hpp>
+#include <com/sun/star/container/XEnumerationAccess.hpp>
+#include <com/sun/star/container/XNameContainer.hpp>
+#include <com/sun/star/document/MacroExecMode.hpp>
+#include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/frame/XStorable.hpp>
+#include <com/sun/star/lang/XComponent.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/style/BreakType.hpp>
+#include <com/sun/star/style/XStyle.hpp>
+#include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
+#include <com/sun/star/task/XInteractionHandler.hpp>
+#include <com/sun/star/text/XTextCopy.hpp>
+#include <com/sun/star/text/XTextTable.hpp>
+
+#include "zylfilters.h"
+#include "zylinteractionhandler.h"
+#include "zyllog.h"
+#include "zylsession.h"
+
+using namespace css;
+
+namespace {
+
+rtl::OUString ou(const char *ascii)
+{
+    return rtl::OUString::createFromAscii(ascii);
+}
+
+rtl::OUString ou(const QString &s)
+{
+    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
+}
+
+QString qs(const rtl::OUString &s)
+{
+    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
+}
+
+beans::PropertyValue property(const char *name, const uno::Any &value)
+{
+    beans::PropertyValue p;
+    p.Name = ou(name);
+    p.Value = value;
+    return p;
+}
+
+uno::Reference<container::XNameContainer> pageStyles(const uno::Reference<uno::XInterface> &document)
+{
+    uno::Reference<style::XStyleFamiliesSupplier> supplier(document, uno::UNO_QUERY_THROW);
+    return uno::Reference<container::XNameContainer>(supplier->getStyleFamilies()->getByName(ou("PageStyles")),
+                                                     uno::UNO_QUERY_THROW);
+}
+
+rtl::OUString stringProperty(const uno::Reference<beans::XPropertySet> &props, const char *name)
+{
+    rtl::OUString value;
+    try {
+        props->getPropertyValue(ou(name)) >>= value;
+    } catch (const uno::Exception &) {
+    }
+    return value;
+}
+
+// Everything a page style says, headers and footers with their text included. Switches go first:
+// the header and footer properties exist only while they are on.
+void copyPageStyle(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to)
+{
+    static const char *const switches[] = {"HeaderIsOn", "FooterIsOn", "HeaderIsShared", "FooterIsShared",
+                                           "FirstIsShared"};
+    for (const char *name : switches) {
+        try {
+            to->setPropertyValue(ou(name), from->getPropertyValue(ou(name)));
+        } catch (const uno::Exception &) {
+        }
+    }
+    const uno::Sequence<beans::Property> all = from->getPropertySetInfo()->getProperties();
+    for (const beans::Property &p : all) {
+        if ((p.Attributes & beans::PropertyAttribute::READONLY) || p.Name == "FollowStyle" || p.Name == "DisplayName")
+            continue;
+        try {
+            to->setPropertyValue(p.Name, from->getPropertyValue(p.Name));
+        } catch (const uno::Exception &) {
+            // Properties that do not apply in this state (a left header of a shared style).
+        }
+    }
+    static const char *const texts[] = {"HeaderText", "HeaderTextLeft", "HeaderTextRight", "HeaderTextFirst",
+                                        "FooterText", "FooterTextLeft", "FooterTextRight", "FooterTextFirst"};
+    // Shared variants are one text under several names, and copying adds to what is there.
+    std::vector<uno::Reference<text::XTextCopy>> filled;
+    for (const char *name : texts) {
+        try {
+            uno::Reference<text::XTextCopy> source(from->getPropertyValue(ou(name)), uno::UNO_QUERY);
+            uno::Reference<text::XTextCopy> target(to->getPropertyValue(ou(name)), uno::UNO_QUERY);
+            if (!source.is() || !target.is() || std::find(filled.begin(), filled.end(), target) != filled.end())
+                continue;
+            target->copyText(source);
+            filled.push_back(target);
+        } catch (const uno::Exception &) {
+        }
+    }
+}
+
+
+// Paragraphs of a text, those in its tables' cells included.
+void collectParagraphs(const uno::Reference<container::XEnumerationAccess> &text,
+                       std::vector<uno::Reference<beans::XPropertySet>> *paragraphs)
+{
+    uno::Reference<container::XEnumeration> items = text->createEnumeration();
+    while (items->hasMoreElements()) {
+        uno::Reference<uno::XInterface> item(items->nextElement(), uno::UNO_QUERY);
+        uno::Reference<text::XTextTable> table(item, uno::UNO_QUERY);
+        if (table.is()) {
+            const uno::Sequence<rtl::OUString> cells = table->getCellNames();
+            for (const rtl::OUString &cell : cells) {
+                uno::Reference<container::XEnumerationAccess> cellText(table->getCellByName(cell), uno::UNO_QUERY);
+                if (cellText.is())
+                    collectParagraphs(cellText, paragraphs);
+            }
+            continue;
+        }
+        uno::Reference<beans::XPropertySet> paragraph(item, uno::UNO_QUERY);
+        if (paragraph.is())
+            paragraphs->push_back(paragraph);
+    }
+}
+
+// A paragraph style of a name the target has too takes the target's definition on insertion, and
+// the text reflows. Each such style the body uses is copied, with every value it resolves to, under
+// a name of its own.
+void keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, const uno::Reference<text::XTextDocument> &target)
+{
+    uno::Reference<style::XStyleFamiliesSupplier> sourceSupplier(source, uno::UNO_QUERY_THROW);
+    uno::Reference<style::XStyleFamiliesSupplier> targetSupplier(target, uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameContainer> sourceStyles(
+        sourceSupplier->getStyleFamilies()->getByName(ou("ParagraphStyles")), uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameContainer> targetStyles(
+        targetSupplier->getStyleFamilies()->getByName(ou("ParagraphStyles")), uno::UNO_QUERY_THROW);
+    uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
+    std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
+    collectParagraphs(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW), &paragraphs);
+    std::map<rtl::OUString, rtl::OUString> renamed;
+    for (const auto &paragraph : paragraphs) {
+        const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
+        if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name))
+            continue;
+        auto found = renamed.find(name);
+        if (found == renamed.end()) {
+            uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
+            const rtl::OUString display = stringProperty(style, "DisplayName");
+            rtl::OUString fresh;
+            for (int n = 2;; ++n) {
+                fresh = ou(QStringLiteral("%1 (%2)").arg(qs(display.isEmpty() ? name : display)).arg(n));
+                if (!targetStyles->hasByName(fresh) && !sourceStyles->hasByName(fresh))
+                    break;
+            }
+            uno::Reference<style::XStyle> copy(factory->createInstance(ou("com.sun.star.style.ParagraphStyle")), uno::UNO_QUERY_THROW);
+            sourceStyles->insertByName(fresh, uno::Any(copy));
+            uno::Reference<beans::XPropertySet> to(copy, uno::UNO_QUERY_THROW);
+            const uno::Sequence<beans::Property> all = style->getPropertySetInfo()->getProperties();
+            for (const beans::Property &p : all) {
+                // Links to other styles and lists stay with the original.
+                if ((p.Attributes & beans::PropertyAttribute::READONLY) || p.Name == "FollowStyle" || p.Name == "DisplayName"
+                    || p.Name == "ParentStyle" || p.Name == "ParaStyleConditions" || p.Name == "NumberingStyleName"
+                    || p.Name == "LinkStyle")
+                    continue;
+                try {
+                    to->setPropertyValue(p.Name, style->getPropertyValue(p.Name));
+                } catch (const uno::Exception &) {
+                }
+            }
+            found = renamed.emplace(name, fresh).first;
+        }
+        try {
+            // Direct formatting stays; only the style beneath it changes.
+            paragraph->setPropertyValue(ou("ParaStyleName"), uno::Any(found->second));
+        } catch (const uno::Exception &) {
+        }
+    }
+}
+
+} // namespace
+
+bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop,
+                                 const uno::Reference<text::XTextDocument> &target, const QString &path,
+                                 const QString &folder)
+{
+    m_url.clear();
+    m_path.clear();
+    m_firstStyle = rtl::OUString();
+    if (!desktop.is() || !target.is())
+        return false;
+
+    std::vector<beans::PropertyValue> props = {
+        property("Hidden", uno::Any(true)),
+        property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
+        property("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
+        property("InteractionHandler", uno::Any(uno::Reference<task::XInteractionHandler>(new ZylInteractionHandler))),
+    };
+    const QString forced = ZylFilters::importFilterFor(path);
+    if (!forced.isEmpty())
+        props.push_back(property("FilterName", uno::Any(ou(forced))));
+    const QString url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+    uno::Reference<lang::XComponent> component = desktop->loadComponentFromURL(
+        ou(url), ou("_blank"), 0, uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
+    uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
+    uno::Reference<text::XTextDocument> source(component, uno::UNO_QUERY);
+    if (!model.is() || !source.is()) {
+        if (component.is())
+            component->dispose();
+        return false;
+    }
+    struct Closer {
+        uno::Reference<frame::XModel> model;
+        ~Closer() { ZylSession::closeModel(model); }
+    } closer{model};
+
+    // The body's elements and the page styles they start, the first one's included.
+    std::vector<uno::Reference<beans::XPropertySet>> elements;
+    uno::Reference<container::XEnumerationAccess> access(source->getText(), uno::UNO_QUERY_THROW);
+    uno::Reference<container::XEnumeration> items = access->createEnumeration();
+    while (items->hasMoreElements()) {
+        uno::Reference<beans::XPropertySet> element(items->nextElement(), uno::UNO_QUERY);
+        if (element.is())
+            elements.push_back(element);
+    }
+    if (elements.empty())
+        return false;
+    const uno::Reference<container::XNameContainer> sourceStyles = pageStyles(source);
+    std::vector<rtl::OUString> used;
+    auto use = [&](const rtl::OUString &name) {
+        if (!name.isEmpty() && sourceStyles->hasByName(name) && std::find(used.begin(), used.end(), name) == used.end())
+            used.push_back(name);
+    };
+    rtl::OUString first = stringProperty(elements.front(), "PageDescName");
+    if (first.isEmpty())
+        first = stringProperty(elements.front(), "PageStyleName");
+    if (first.isEmpty())
+        first = ou("Standard");
+    use(first);
+    for (const auto &element : elements)
+        use(stringProperty(element, "PageDescName"));
+    for (size_t i = 0; i < used.size(); ++i) { // grows while follow styles are added
+        uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(used[i]), uno::UNO_QUERY_THROW);
+        use(stringProperty(style, "FollowStyle"));
+    }
+    if (used.empty())
+        return false;
+
+    // New names that neither document has.
+    const uno::Reference<container::XNameContainer> targetStyles = pageStyles(target);
+    std::map<rtl::OUString, rtl::OUString> renamed;
+    for (const rtl::OUString &name : used) {
+        uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
+        const QString base = qs(stringProperty(style, "DisplayName").isEmpty() ? name : stringProperty(style, "DisplayName"));
+        rtl::OUString fresh;
+        for (int n = 2;; ++n) {
+            fresh = ou(QStringLiteral("%1 (%2)").arg(base).arg(n));
+            if (!targetStyles->hasByName(fresh) && !sourceStyles->hasByName(fresh))
+                break;
+        }
+        uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
+        uno::Reference<style::XStyle> copy(factory->createInstance(ou("com.sun.star.style.PageStyle")), uno::UNO_QUERY_THROW);
+        sourceStyles->insertByName(fresh, uno::Any(copy));
+        copyPageStyle(style, uno::Reference<beans::XPropertySet>(copy, uno::UNO_QUERY_THROW));
+        renamed[name] = fresh;
+    }
+    for (const auto &pair : renamed) {
+        uno::Reference<beans::XPropertySet> original(sourceStyles->getByName(pair.first), uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> copy(sourceStyles->getByName(pair.second), uno::UNO_QUERY_THROW);
+        const auto follow = renamed.find(stringProperty(original, "FollowStyle"));
+        if (follow != renamed.end())
+            copy->setPropertyValue(ou("FollowStyle"), uno::Any(follow->second));
+    }
+    // A leading table stays behind the paragraph it is inserted after, which takes the first style:
+    // a style of the table's own would start a second page.
+    uno::Reference<text::XTextTable> leadingTable(elements.front(), uno::UNO_QUERY);
+    if (leadingTable.is()) {
+        try {
+            elements.front()->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
+            elements.front()->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+        } catch (const uno::Exception &) {
+        }
+    }
+    for (size_t i = leadingTable.is() ? 1 : 0; i < elements.size(); ++i) {
+        const rtl::OUString desc = i == 0 ? first : stringProperty(elements[i], "PageDescName");
+        const auto to = renamed.find(desc);
+        if (to == renamed.end())
+            continue;
+        try {
+            elements[i]->setPropertyValue(ou("PageDescName"), uno::Any(to->second));
+        } catch (const uno::Exception &) {
+        }
+    }
+
+    try {
+        keepParagraphStyles(source, target);
+    } catch (const uno::Exception &) {
+        // The page layout comes along all the same.
+    }
+
+    QString file;
+    for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
+        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.odt").arg(QCoreApplication::applicationPid()).arg(n));
+    const QString fileUrl = QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
+    uno::Reference<frame::XStorable> storable(source, uno::UNO_QUERY_THROW);
+    const beans::PropertyValue filter = property("FilterName", uno::Any(ou("writer8")));
+    storable->storeToURL(ou(fileUrl), uno::Sequence<beans::PropertyValue>(&filter, 1));
+    if (!QFile::exists(file))
+        return false;
+    m_url = fileUrl;
+    m_path = file;
+    m_firstStyle = renamed[first];
+    return true;
+}

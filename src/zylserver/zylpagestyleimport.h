@@ -1,0 +1,30 @@
+// Brings an inserted document's page layout along. Inserting a document keeps the target's page
+// styles wherever names clash, and the inserted text then flows in the target's default page
+// style. A prepared copy of the document uses page styles under names the target does not have,
+// and its first paragraph names its first page's style, so its pages lay out as in the source.
+// Paragraph styles whose names the target has too come along the same way.
+#pragma once
+
+#include <QString>
+
+#include <com/sun/star/frame/XDesktop2.hpp>
+#include <com/sun/star/text/XTextDocument.hpp>
+
+class ZylPageStyleImport {
+public:
+    // Writes the prepared copy of the document at path into folder. Returns false, and leaves
+    // nothing in folder, when the document cannot be prepared; the caller then inserts it as it is.
+    bool prepare(const css::uno::Reference<css::frame::XDesktop2> &desktop,
+                 const css::uno::Reference<css::text::XTextDocument> &target, const QString &path,
+                 const QString &folder);
+
+    QString preparedUrl() const { return m_url; }
+    QString preparedPath() const { return m_path; }
+    // The page style the inserted content starts with, as named in the target after insertion.
+    rtl::OUString firstPageStyle() const { return m_firstStyle; }
+
+private:
+    QString m_url;
+    QString m_path;
+    rtl::OUString m_firstStyle;
+};
