@@ -328,7 +328,7 @@ void DocMergeRunner::probeSource(int index)
     m_probeIndex = index;
     const MergeSource &source = sources.at(index);
     const MergeTask probe = buildTask({source, source},
-                                      VMEnv::workFilePath(QStringLiteral("probe"), QFileInfo(source.path()).suffix(), 0));
+                                      VMWorkFolders::filePath(QStringLiteral("probe"), QFileInfo(source.path()).suffix(), 0, QDateTime::currentDateTime()));
     if (probe.workPath.isEmpty() || probe.outputPath.isEmpty()) {
         failMerge(QStringLiteral("the word processor could not merge the documents"));
         return;
