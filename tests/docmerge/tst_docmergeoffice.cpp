@@ -216,14 +216,12 @@ void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
     const QList<pid_t> offices = officesOf(process.processId());
     QCOMPARE(offices.size(), 1);
     QCOMPARE(::kill(offices.first(), SIGSTOP), 0);
-    QElapsedTimer timer;
-    timer.start();
-
+    // The call on the frozen office fails and the office is ended well before the flat limit;
+    // docmerge then looks for a source to blame with a fresh office before it exits.
+    QTRY_VERIFY2_WITH_TIMEOUT(::kill(offices.first(), 0) != 0, "the frozen office was left behind", 30000);
     QVERIFY(process.waitForFinished(120000));
-    QVERIFY2(timer.elapsed() < 30000, qPrintable(QStringLiteral("ended after %1 ms").arg(timer.elapsed())));
     QCOMPARE(process.exitCode(), 1);
     QVERIFY(!QFileInfo::exists(target));
-    QVERIFY2(::kill(offices.first(), 0) != 0, "the frozen office was left behind");
 
     const Run next = run({QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo}, 600000);
     QVERIFY2(next.exitCode == 0, qPrintable(next.err));
