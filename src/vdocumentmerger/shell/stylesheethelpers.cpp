@@ -23,7 +23,8 @@ QString dpiScaledStyleSheet(const QString &sheet)
         const int start = i;
         while (i < size && sheet.at(i).isDigit())
             ++i;
-        if (i + 1 < size && sheet.at(i).toLower() == QLatin1Char('p') && sheet.at(i + 1).toLower() == QLatin1Char('x')) {
+        if (i + 1 < size && sheet.at(i).toLower() == QLatin1Char('p')
+            && sheet.at(i + 1).toLower() == QLatin1Char('x')) {
             result += sheet.midRef(copied, start - copied);
             result += QString::number(qRound(sheet.midRef(start, i - start).toInt() * factor));
             copied = i;
