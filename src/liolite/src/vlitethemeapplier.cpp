@@ -21,8 +21,7 @@ enum class Overwrite { Always, OnlyOwnSheet };
 
 void setSheet(QWidget* widget, const QString& themeClass, Overwrite overwrite)
 {
-    const QString sheet = VLiteThemeStore::scalePixelSizes(
-        VLiteThemeStore::instance()->styleSheet(themeClass), VLiteStyle::dpi());
+    const QString sheet = VLiteThemeStore::instance()->scaledStyleSheet(themeClass, VLiteStyle::dpi());
     const QString current = widget->styleSheet();
     const bool ownSheet = current == widget->property(SheetProperty).toString();
     // A class without a look, or a theme switch, never discards a sheet set by someone else.
@@ -34,6 +33,9 @@ void setSheet(QWidget* widget, const QString& themeClass, Overwrite overwrite)
     }
     if (mayReplace)
         widget->setProperty(SheetProperty, sheet);
+    // Not polished yet (still being built): its first polish will match the new class.
+    if (!widget->testAttribute(Qt::WA_WState_Polished))
+        return;
     // Same sheet text, but the property may have changed: selectors must be matched again.
     widget->style()->unpolish(widget);
     widget->style()->polish(widget);

@@ -86,6 +86,7 @@ bool VLiteThemeStore::load(const QString& name)
     m_name = name;
     m_palette = palette;
     m_classes = classes;
+    m_scaledSheets.clear();
     return true;
 }
 
@@ -164,6 +165,18 @@ QString VLiteThemeStore::styleSheet(const QString& themeClass) const
     }
     out += sheet.midRef(last);
     return out;
+}
+
+QString VLiteThemeStore::scaledStyleSheet(const QString& themeClass, double factor) const
+{
+    if (!qFuzzyCompare(factor, m_scaledFactor)) {
+        m_scaledSheets.clear();
+        m_scaledFactor = factor;
+    }
+    auto it = m_scaledSheets.constFind(themeClass);
+    if (it == m_scaledSheets.constEnd())
+        it = m_scaledSheets.insert(themeClass, scalePixelSizes(styleSheet(themeClass), factor));
+    return *it;
 }
 
 QString VLiteThemeStore::iconPath(const QString& iconName) const

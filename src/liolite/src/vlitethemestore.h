@@ -40,6 +40,9 @@ public:
     // Widget palette in the theme's colours, for the plain Qt widgets around the toolkit's.
     QPalette widgetPalette(const QPalette& base) const;
 
+    // styleSheet() scaled by factor, computed once per theme and factor: widgets ask for it on every creation.
+    QString scaledStyleSheet(const QString& themeClass, double factor) const;
+
     static QString scalePixelSizes(const QString& sheet, double factor);
     static QString selectorFor(const QString& themeClass);
 
@@ -56,4 +59,6 @@ private:
     QString m_name;
     QHash<QString, QColor> m_palette;
     QHash<QString, ThemeClass> m_classes;
+    mutable QHash<QString, QString> m_scaledSheets;
+    mutable double m_scaledFactor = 0.0;
 };

@@ -1,6 +1,5 @@
 #include "shell/stylesheethelpers.h"
 
-#include <QRegExp>
 #include <QtMath>
 
 #include "host/liolite.h"
@@ -9,21 +8,30 @@ QString dpiScaledStyleSheet(const QString &sheet)
 {
     if (sheet.isEmpty())
         return sheet;
-    QString result = sheet;
-    QRegExp rx(QStringLiteral("\\d+px"), Qt::CaseInsensitive);
-    rx.setMinimal(true);
+    // A plain scan: rows build these sheets by the hundred, and a regular expression was a quarter of their cost.
     const double factor = VLiteStyle::dpi();
-    int pos = rx.indexIn(result, 0);
-    while (pos != -1) {
-        const int digits = rx.matchedLength() - 2;
-        const int value = result.mid(pos, digits).toInt();
-        const QString scaled = QString::number(qRound(value * factor));
-        result.replace(pos, digits, scaled);
-        pos += scaled.size();
-        if (pos > result.size() - 2)
-            break;
-        pos = rx.indexIn(result, pos + 1);
+    const int size = sheet.size();
+    QString result;
+    result.reserve(size + size / 8);
+    int copied = 0;
+    int i = 0;
+    while (i < size) {
+        if (!sheet.at(i).isDigit()) {
+            ++i;
+            continue;
+        }
+        const int start = i;
+        while (i < size && sheet.at(i).isDigit())
+            ++i;
+        if (i + 1 < size && sheet.at(i).toLower() == QLatin1Char('p')
+            && sheet.at(i + 1).toLower() == QLatin1Char('x')) {
+            result += sheet.midRef(copied, start - copied);
+            result += QString::number(qRound(sheet.midRef(start, i - start).toInt() * factor));
+            copied = i;
+            i += 2;
+        }
     }
+    result += sheet.midRef(copied);
     return result;
 }
 

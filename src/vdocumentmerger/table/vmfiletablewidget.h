@@ -19,6 +19,10 @@ class VDOCUMENTMERGER_EXPORT VMFileTableWidget : public QWidget {
 public:
     explicit VMFileTableWidget(QWidget *parent = nullptr);
 
+    // Rows that one pass of the event loop may build without the window freezing: callers
+    // adding more give the loop a turn after each such slice.
+    static constexpr int RowsPerStep = 25;
+
     // The new row is owned by the table's content area.
     VMFifleTableContentItem *addFile(const QString &path);
     int itemCount() const;

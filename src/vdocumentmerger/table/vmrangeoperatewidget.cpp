@@ -61,9 +61,8 @@ QSpinBox *VMRangeOperateWidget::toSpinBox() const
 
 void VMRangeOperateWidget::onResetStyleSheet()
 {
-    const QString sheet = dpiScaledStyleSheet(spinBoxStyleSheet());
-    m_fromSpinBox->setStyleSheet(sheet);
-    m_toSpinBox->setStyleSheet(sheet);
+    // Once for both spin boxes: the sheet cascades, and each sheet set costs a style of its own.
+    setStyleSheet(dpiScaledStyleSheet(spinBoxStyleSheet()));
 }
 
 bool VMRangeOperateWidget::eventFilter(QObject *watched, QEvent *event)

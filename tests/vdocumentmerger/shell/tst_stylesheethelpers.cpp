@@ -47,6 +47,8 @@ void tst_StyleSheetHelpers::dpiScaled_data()
         << 2.0 << QStringLiteral("a:9px;b:99px;c:999px;") << QStringLiteral("a:18px;b:198px;c:1998px;");
     QTest::newRow("shorter_number_shifts_following")
         << 0.5 << QStringLiteral("a:10px;b:100px;c:3px;") << QStringLiteral("a:5px;b:50px;c:2px;");
+    QTest::newRow("cut_unit_at_the_end_untouched")
+        << 2.0 << QStringLiteral("a:3px;b:12p") << QStringLiteral("a:6px;b:12p");
     QTest::newRow("numbers_without_px_untouched")
         << 2.0 << QStringLiteral("a{font-weight:700;line-height:1.5em;width:3px;}")
         << QStringLiteral("a{font-weight:700;line-height:1.5em;width:6px;}");
