@@ -9,7 +9,10 @@
 #include <QJsonObject>
 #include <QStandardPaths>
 #include <QTime>
+#include <QTimer>
 #include <QVBoxLayout>
+
+#include <utility>
 
 #include "cloud/vmcloudhelper.h"
 #include "engine/vmprogressdlg.h"
@@ -146,7 +149,7 @@ void VMFileListPage::addFiles(const QStringList &files, int origin)
 {
     if (!m_fileTable)
         return;
-    QStringList existing;
+    QStringList existing = m_rowsToAdd;
     for (int i = 0; i < m_fileTable->itemCount(); ++i) {
         if (VMFifleTableContentItem *row = m_fileTable->itemAt(i))
             existing.append(row->filePath());
@@ -154,11 +157,31 @@ void VMFileListPage::addFiles(const QStringList &files, int origin)
     const QStringList accepted = VMFileListRules::acceptedKeys(existing, files);
     if (accepted.isEmpty())
         return;
-    for (const QString &key : accepted)
-        m_fileTable->addFile(key);
     m_addOrigin = origin;
+    const bool idle = m_rowsToAdd.isEmpty();
+    m_rowsToAdd += accepted;
+    m_batchToCount += accepted;
+    if (idle)
+        addPendingRows();
+}
+
+// A large batch enters a slice per turn of the event loop, so that the window keeps answering;
+// its count starts once every row of it is there to take a result.
+void VMFileListPage::addPendingRows()
+{
+    if (!m_fileTable)
+        return;
+    const QStringList slice = m_rowsToAdd.mid(0, VMFileTableWidget::RowsPerStep);
+    m_rowsToAdd.erase(m_rowsToAdd.begin(), m_rowsToAdd.begin() + slice.size());
+    for (const QString &key : slice)
+        m_fileTable->addFile(key);
+    if (!m_rowsToAdd.isEmpty()) {
+        QTimer::singleShot(0, this, &VMFileListPage::addPendingRows);
+        return;
+    }
+    const QStringList batch = std::exchange(m_batchToCount, QStringList());
     m_passMode = 0;
-    m_infoProvider->start(accepted);
+    m_infoProvider->start(batch);
     m_fileTable->updateHeaderCheckState();
     emit m_fileTable->sigFilesAdded();
 }

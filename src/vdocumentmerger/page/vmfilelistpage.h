@@ -70,6 +70,7 @@ private:
         int location = 0;
     };
 
+    void addPendingRows();
     void startMerge();
     bool buildMergeTask();
     QString computeOutputPath() const;
@@ -103,4 +104,7 @@ private:
     QString m_cachePathRequestId;
     int m_addOrigin = 0;
     int m_passMode = -1;
+    // Accepted paths whose rows are still to be made, and the batch they belong to.
+    QStringList m_rowsToAdd;
+    QStringList m_batchToCount;
 };
