@@ -38,26 +38,6 @@ QString generalText(const char *text)
     return QCoreApplication::translate("general", text);
 }
 
-// A notice with one "Confirm" button, framed by its popup events when popupType is set.
-int runConfirmNotice(QWidget *parent, VLiteContentDlg::IconType icon, const QString &title,
-                     const QString &content, const QString &popupType)
-{
-    VMContentSkinDlg dialog(parent, icon);
-    dialog.setTitle(title);
-    dialog.setContent(content);
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, generalText(QT_TRANSLATE_NOOP("general", "Confirm")));
-    dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
-    dialog.setButtonVisible(VLiteContentDlg::BtnCancel, false);
-    dialog.setButtonVisible(VLiteContentDlg::BtnThird, false);
-    dialog.setTitleHitTest(true);
-    if (!popupType.isEmpty())
-        sendPopupEvent(popupType, QStringLiteral("show"));
-    const int result = dialog.exec();
-    if (!popupType.isEmpty())
-        sendPopupEvent(popupType, result == 1 ? QStringLiteral("click_well") : QStringLiteral("click_close"));
-    return result;
-}
-
 VMFileListRules::RowFacts rowFacts(const VMFifleTableContentItem *row)
 {
     return {row->filePath(), row->isReadSuccess(), row->pageCount()};
@@ -188,7 +168,7 @@ void VMFileListPage::addPendingRows()
 
 void VMFileListPage::showFileLimitDialog(int maximum)
 {
-    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
+    VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                      tr("No more than %1 files can be added, and the excess part has not been added "
                         "to the list. It is recommended to process them in batches.")
                          .arg(maximum),
@@ -571,7 +551,7 @@ void VMFileListPage::openMergedFile(const QString &path)
 
 void VMFileListPage::showMergeFailed()
 {
-    runConfirmNotice(this, VLiteContentDlg::IconFailure, tr("Merge failed"),
+    VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconFailure, tr("Merge failed"),
                      tr("Failed to merge the current document, Please set it again"), QStringLiteral("fail"));
 }
 
@@ -596,14 +576,14 @@ int VMFileListPage::showMergeComplete(const QString &content, bool cloudFail)
 
 void VMFileListPage::showDocumentMissing()
 {
-    runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
+    VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                      tr("The document does not exist. It may be removed or renamed"),
                      QStringLiteral("finish_openfile_fail"));
 }
 
 int VMFileListPage::showLoginRequired()
 {
-    return runConfirmNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
+    return VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconNone, generalText(QT_TRANSLATE_NOOP("general", "Tips")),
                             tr("Sorry! You need to login in order to use %1.")
                                 .arg(yrt::product::getZYLDriveDisplayName()),
                             QString());

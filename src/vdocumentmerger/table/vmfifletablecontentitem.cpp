@@ -240,17 +240,7 @@ bool VMFifleTableContentItem::eventFilter(QObject *watched, QEvent *event)
 
 void VMFifleTableContentItem::showMissingDocumentNotice()
 {
-    VMContentSkinDlg dialog(this, VLiteContentDlg::IconNone);
-    dialog.setTitle(QCoreApplication::translate("general", "Tips"));
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, QCoreApplication::translate("general", "Confirm"));
-    dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
-    dialog.setButtonVisible(VLiteContentDlg::BtnCancel, false);
-    dialog.setButtonVisible(VLiteContentDlg::BtnThird, false);
-    dialog.setContent(tr("The document does not exist. It may be removed or renamed"));
-    dialog.setTitleHitTest(true);
-
-    const QString type = QStringLiteral("list_openfile_fail");
-    sendPopupEvent(type, QStringLiteral("show"));
-    const int result = dialog.exec();
-    sendPopupEvent(type, result == 1 ? QStringLiteral("click_well") : QStringLiteral("click_close"));
+    VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconNone, QCoreApplication::translate("general", "Tips"),
+                                tr("The document does not exist. It may be removed or renamed"),
+                                QStringLiteral("list_openfile_fail"));
 }

@@ -107,17 +107,8 @@ void VMFileOptionWidget::dropEvent(QDropEvent *event)
 
 void VMFileOptionWidget::showUnsupportedFormatDialog()
 {
-    VMContentSkinDlg dialog(this, VLiteContentDlg::IconNone);
-    dialog.setTitle(QCoreApplication::translate("general", "Tips"));
-    dialog.setButtonText(VLiteContentDlg::BtnConfirm, QCoreApplication::translate("general", "Confirm"));
-    dialog.setButtonResult(VLiteContentDlg::BtnConfirm, 1);
-    dialog.setButtonVisible(VLiteContentDlg::BtnCancel, false);
-    dialog.setButtonVisible(VLiteContentDlg::BtnThird, false);
-    dialog.setContent(tr("Text merging is supported only doc/. docx/. ZYL format. The format of the current "
-                         "document is not supported"));
-    dialog.setTitleHitTest(true);
-    sendPopupEvent(QStringLiteral("wrong_format"), QStringLiteral("show"));
-    const int result = dialog.exec();
-    sendPopupEvent(QStringLiteral("wrong_format"),
-                   result == 1 ? QStringLiteral("click_well") : QStringLiteral("click_close"));
+    VMContentSkinDlg::runNotice(this, VLiteContentDlg::IconNone, QCoreApplication::translate("general", "Tips"),
+                                tr("Text merging is supported only doc/. docx/. ZYL format. The format of "
+                                   "the current document is not supported"),
+                                QStringLiteral("wrong_format"));
 }
