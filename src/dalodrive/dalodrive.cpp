@@ -207,23 +207,30 @@ int DaloDrive::copyInto(const QString &source, const QString &folder, QString *f
     return DaloResultCode::FailedOnDaloInternalError;
 }
 
+int DaloDrive::userFolder(const std::string &userId, const std::string &cloudPath, bool create,
+                          QStringList *parts, QString *folder) const
+{
+    const int user = checkUser(userId);
+    if (user != DaloResultCode::Succeeded)
+        return user;
+    if (!splitCloudPath(cloudPath, parts))
+        return DaloResultCode::FailedOnInvalidParameters;
+    return resolveFolder(m_root + QLatin1Char('/') + folderName(m_user), *parts, create, folder);
+}
+
 UploadFilesToCloudResult DaloDrive::upload(const UploadFilesToCloudArg &arg)
 {
     UploadFilesToCloudResult result;
-    result.resultCode = checkUser(arg.userId);
-    if (result.resultCode != DaloResultCode::Succeeded)
-        return result;
-    QStringList parts;
     bool sourcesOk = !arg.srcFiles.empty();
     for (const std::string &source : arg.srcFiles)
         sourcesOk = sourcesOk && QFileInfo(QString::fromStdString(source)).isFile();
-    if (!sourcesOk || !splitCloudPath(arg.cloudPath, &parts)) {
-        result.resultCode = DaloResultCode::FailedOnInvalidParameters;
-        return result;
-    }
+    QStringList parts;
     QString folder;
-    result.resultCode = resolveFolder(m_root + QLatin1Char('/') + folderName(m_user), parts,
-                                      arg.createWhenNoExists, &folder);
+    result.resultCode = checkUser(arg.userId);
+    if (result.resultCode == DaloResultCode::Succeeded && !sourcesOk)
+        result.resultCode = DaloResultCode::FailedOnInvalidParameters;
+    if (result.resultCode == DaloResultCode::Succeeded)
+        result.resultCode = userFolder(arg.userId, arg.cloudPath, arg.createWhenNoExists, &parts, &folder);
     for (const std::string &source : arg.srcFiles) {
         if (result.resultCode != DaloResultCode::Succeeded)
             break;
@@ -239,17 +246,9 @@ UploadFilesToCloudResult DaloDrive::upload(const UploadFilesToCloudArg &arg)
 OpenVirtualCloudDiskResult DaloDrive::open(const OpenVirtualCloudDiskArg &arg)
 {
     OpenVirtualCloudDiskResult result;
-    result.resultCode = checkUser(arg.userId);
-    if (result.resultCode != DaloResultCode::Succeeded)
-        return result;
     QStringList parts;
-    if (!splitCloudPath(arg.cloudPath, &parts)) {
-        result.resultCode = DaloResultCode::FailedOnInvalidParameters;
-        return result;
-    }
     QString folder;
-    result.resultCode = resolveFolder(m_root + QLatin1Char('/') + folderName(m_user), parts,
-                                      arg.createWhenNoExists, &folder);
+    result.resultCode = userFolder(arg.userId, arg.cloudPath, arg.createWhenNoExists, &parts, &folder);
     if (result.resultCode == DaloResultCode::Succeeded)
         result.__set_localFolder(folder.toStdString());
     return result;
@@ -258,16 +257,9 @@ OpenVirtualCloudDiskResult DaloDrive::open(const OpenVirtualCloudDiskArg &arg)
 GetCloudFileCachePathResult DaloDrive::cachePath(const GetCloudFileCachePathArg &arg)
 {
     GetCloudFileCachePathResult result;
-    result.resultCode = checkUser(arg.userId);
-    if (result.resultCode != DaloResultCode::Succeeded)
-        return result;
     QStringList parts;
-    if (!splitCloudPath(arg.cloudPath, &parts)) {
-        result.resultCode = DaloResultCode::FailedOnInvalidParameters;
-        return result;
-    }
     QString driveFolder;
-    result.resultCode = resolveFolder(m_root + QLatin1Char('/') + folderName(m_user), parts, false, &driveFolder);
+    result.resultCode = userFolder(arg.userId, arg.cloudPath, false, &parts, &driveFolder);
     if (result.resultCode != DaloResultCode::Succeeded)
         return result;
     QString cacheFolder;

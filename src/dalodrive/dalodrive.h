@@ -48,6 +48,9 @@ private:
     // Walks parts down from base, creating missing folders when create is set. Fails with
     // FailedOnInvalidParameters when a step is missing or leads outside base.
     static int resolveFolder(const QString &base, const QStringList &parts, bool create, QString *folder);
+    // The signed-in user's folder for a cloud path, after the user and the path were checked.
+    int userFolder(const std::string &userId, const std::string &cloudPath, bool create, QStringList *parts,
+                   QString *folder) const;
     // Copies source into folder under its own name or the next free "name(n).ext";
     // the file appears under its final name only when complete.
     static int copyInto(const QString &source, const QString &folder, QString *finalName);
