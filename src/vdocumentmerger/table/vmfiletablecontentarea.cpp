@@ -44,6 +44,8 @@ VMFileTableContentArea::VMFileTableContentArea(QWidget *parent)
     setAttribute(Qt::WA_StyledBackground);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // A Tab stop of its own (arrow keys scroll the rows), so screen readers need a name for it.
+    setAccessibleName(tr("File list"));
 
     m_view = new VMFileTableContentView(this);
     setWidget(m_view);
@@ -59,6 +61,7 @@ VMFileTableContentArea::VMFileTableContentArea(QWidget *parent)
     m_dropIndicator->hide();
 
     auto *scrollBar = new VMFileTableScrollBar(Qt::Vertical);
+    scrollBar->setAccessibleName(tr("Scroll file list"));
     setVerticalScrollBar(scrollBar);
     m_scrollBarMask = new VMFileTableScrollBarMask(scrollBar, viewport());
 
