@@ -81,7 +81,10 @@ void VMFileTableContentArea::addItem(QWidget *row)
     if (!row || row == m_dropIndicator)
         return;
     const int before = itemCount();
+    const QList<QWidget *> rows = items();
+    const QList<QWidget *> lastStops = rows.isEmpty() ? QList<QWidget *>() : tabStops(rows.last());
     m_view->boxLayout()->addWidget(row);
+    chainTabOrder(lastStops.isEmpty() ? this : lastStops.last(), row);
     scheduleViewAdjust();
     const int after = itemCount();
     if (after == before)
@@ -148,6 +151,7 @@ void VMFileTableContentArea::sortItems(const std::function<bool(QWidget *, QWidg
     std::sort(widgets.begin(), widgets.end(), lessThan);
     for (QWidget *widget : qAsConst(widgets))
         layout->addWidget(widget);
+    chainTabOrderOfAllRows();
     if (!widgets.isEmpty())
         emit sigItemsOrderChanged();
 }
@@ -209,6 +213,7 @@ bool VMFileTableContentArea::dropRowAtIndicator(QWidget *row)
         return false;
     layout->removeWidget(row);
     layout->insertWidget(at, row);
+    chainTabOrderOfAllRows();
     emit sigItemsOrderChanged();
     return true;
 }
@@ -348,4 +353,39 @@ void VMFileTableContentArea::scrollWhileDragging(QWidget *row, int sourceIndex, 
     const QRect mapped(widget->mapTo(this, QPoint(0, 0)), widget->size());
     if (!rect().contains(mapped))
         ensureWidgetVisible(widget, 50, 50);
+}
+
+QList<QWidget *> VMFileTableContentArea::tabStops(QWidget *row)
+{
+    // The row's columns in their layout order; within a column, its controls as they were made.
+    QList<QWidget *> stops;
+    QLayout *layout = row->layout();
+    for (int i = 0; layout && i < layout->count(); ++i) {
+        QWidget *column = layout->itemAt(i)->widget();
+        if (!column)
+            continue;
+        QList<QWidget *> controls = column->findChildren<QWidget *>();
+        controls.prepend(column);
+        for (QWidget *control : qAsConst(controls)) {
+            if ((control->focusPolicy() & Qt::TabFocus) && !control->focusProxy())
+                stops.append(control);
+        }
+    }
+    return stops;
+}
+
+QWidget *VMFileTableContentArea::chainTabOrder(QWidget *previous, QWidget *row)
+{
+    for (QWidget *stop : tabStops(row)) {
+        QWidget::setTabOrder(previous, stop);
+        previous = stop;
+    }
+    return previous;
+}
+
+void VMFileTableContentArea::chainTabOrderOfAllRows()
+{
+    QWidget *previous = this;
+    for (QWidget *row : items())
+        previous = chainTabOrder(previous, row);
 }

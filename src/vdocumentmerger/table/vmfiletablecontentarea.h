@@ -72,6 +72,10 @@ protected:
 
 private:
     void takeDropIndicator();
+    // Tab runs from the list through the rows in their shown order, not in the order they were made.
+    static QList<QWidget *> tabStops(QWidget *row);
+    static QWidget *chainTabOrder(QWidget *previous, QWidget *row);
+    void chainTabOrderOfAllRows();
     void scheduleViewAdjust();
     void scrollWhileDragging(QWidget *row, int sourceIndex, int dropIndex, int y);
 

@@ -1,6 +1,7 @@
 #include <QAccessible>
 #include <QVBoxLayout>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QtTest>
 
 #include "host/liolite.h"
@@ -230,6 +231,24 @@ void tst_VMFileTableWidget::sortOrders()
         f.run({"add " + file});
     f.run(steps);
     QCOMPARE(f.names(), order);
+
+    // Tab follows the rows as shown: each row's check box, then its page range, then the next row.
+    QStringList tabbed;
+    const QWidget *area = f.table.contentArea();
+    const QWidget *headerBox = f.table.header()->nameItem()->checkBox();
+    for (QWidget *w = area->nextInFocusChain(); w != area; w = w->nextInFocusChain()) {
+        QString token;
+        if (qobject_cast<VMCheckBox *>(w) && w != headerBox)
+            token = w->accessibleName();
+        else if (qobject_cast<QSpinBox *>(w) || qobject_cast<QSpinBox *>(w->parentWidget()))
+            token = QStringLiteral("range");
+        if (!token.isEmpty() && (tabbed.isEmpty() || tabbed.last() != token))
+            tabbed << token;
+    }
+    QStringList expected;
+    for (const QString &name : order)
+        expected << name << QStringLiteral("range");
+    QCOMPARE(tabbed, expected);
 }
 
 void tst_VMFileTableWidget::removalSignalsKeepRowReadable()
