@@ -270,7 +270,6 @@ void tst_VAppHostApplication::screenshotSize_data()
 {
     QTest::addColumn<QString>("scale");
     QTest::addColumn<QSize>("size");
-    QTest::newRow("scale_1") << "1" << QSize(1100, 720);
     QTest::newRow("scale_1_25") << "1.25" << QSize(1375, 900);
 }
 
