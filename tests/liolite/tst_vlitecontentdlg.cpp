@@ -53,8 +53,6 @@ private slots:
     void exec_result();
     void exec_resetsClickedButtonBetweenRuns();
     void buttons_defaultsAndUnknownKinds();
-    void titleIcon_byType_data();
-    void titleIcon_byType();
     void customContentWidget_replacesText();
     void titleDrag_data();
     void titleDrag();
@@ -170,37 +168,6 @@ void tst_VLiteContentDlg::buttons_defaultsAndUnknownKinds()
     QVERIFY(!confirmShown);
     QVERIFY(cancelShown);
     QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnCancel));
-}
-
-void tst_VLiteContentDlg::titleIcon_byType_data()
-{
-    QTest::addColumn<int>("iconType");
-    QTest::addColumn<bool>("hasIcon");
-    QTest::addColumn<QColor>("dominant");
-    QTest::newRow("none") << int(VLiteContentDlg::IconNone) << false << QColor();
-    QTest::newRow("failure_is_red") << int(VLiteContentDlg::IconFailure) << true << QColor("#E5484D");
-    QTest::newRow("completion_is_green") << int(VLiteContentDlg::IconSuccess) << true << QColor("#2DB36A");
-    QTest::newRow("info_is_blue") << int(VLiteContentDlg::IconInfo) << true << QColor("#417FF9");
-    QTest::newRow("unknown_type") << 42 << false << QColor();
-}
-
-void tst_VLiteContentDlg::titleIcon_byType()
-{
-    QFETCH(int, iconType);
-    QFETCH(bool, hasIcon);
-    QFETCH(QColor, dominant);
-
-    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
-    dlg.setTitleIcon(iconType);
-    auto* icon = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_icon"));
-    QVERIFY(icon);
-    QCOMPARE(!icon->isHidden(), hasIcon);
-    if (!hasIcon)
-        return;
-    const QImage image = icon->pixmap(Qt::ReturnByValue).toImage();
-    // A pixel on the ring of the circle, away from the white glyph.
-    const QColor ring = image.pixelColor(image.width() / 2, image.height() / 10 + 1);
-    QCOMPARE(ring.rgb(), dominant.rgb());
 }
 
 void tst_VLiteContentDlg::customContentWidget_replacesText()

@@ -6,7 +6,6 @@
 
 #include <QGuiApplication>
 #include <QScopeGuard>
-#include <QScreen>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -20,8 +19,6 @@ private slots:
     void init();
     void cleanup();
 
-    void dpi_override_data();
-    void dpi_override();
     void scaledHelpers_data();
     void scaledHelpers();
 
@@ -48,28 +45,6 @@ void tst_VLiteStyle::cleanup()
     VLiteStyle::setTheme(QStringLiteral("light"));
 }
 
-void tst_VLiteStyle::dpi_override_data()
-{
-    QTest::addColumn<double>("override");
-    QTest::addColumn<bool>("overrides");
-    QTest::newRow("one_and_a_half") << 1.5 << true;
-    QTest::newRow("two") << 2.0 << true;
-    QTest::newRow("below_one") << 0.75 << true;
-    QTest::newRow("zero_is_none") << 0.0 << false;
-    QTest::newRow("negative_is_none") << -1.25 << false;
-}
-
-void tst_VLiteStyle::dpi_override()
-{
-    QFETCH(double, override);
-    QFETCH(bool, overrides);
-    const double screen = QGuiApplication::primaryScreen()->logicalDotsPerInch() / 96.0;
-    VLiteStyle::setScaleOverride(override);
-    QCOMPARE(VLiteStyle::dpi(), overrides ? override : screen);
-    VLiteStyle::setScaleOverride(0);
-    QCOMPARE(VLiteStyle::dpi(), screen);
-}
-
 void tst_VLiteStyle::scaledHelpers_data()
 {
     QTest::addColumn<double>("factor");
@@ -80,12 +55,8 @@ void tst_VLiteStyle::scaledHelpers_data()
     QTest::addColumn<QMargins>("margins");
     QTest::addColumn<QMargins>("scaledMargins");
 
-    QTest::newRow("factor_1") << 1.0 << 16.0 << 16.0 << QSize(372, 8) << QSize(372, 8)
-                              << QMargins(28, 0, 28, 28) << QMargins(28, 0, 28, 28);
     QTest::newRow("factor_1.25_truncates") << 1.25 << 3.0 << 3.75 << QSize(372, 7) << QSize(465, 8)
                                            << QMargins(28, 1, 3, 5) << QMargins(35, 1, 3, 6);
-    QTest::newRow("factor_1.5") << 1.5 << 14.0 << 21.0 << QSize(124, 40) << QSize(186, 60)
-                                << QMargins(19, 0, 19, 0) << QMargins(28, 0, 28, 0);
     QTest::newRow("factor_2") << 2.0 << 0.5 << 1.0 << QSize(0, 1) << QSize(0, 2)
                               << QMargins(-1, 2, 3, 4) << QMargins(-2, 4, 6, 8);
     QTest::newRow("factor_1.75_negative_truncates_toward_zero") << 1.75 << -3.0 << -5.25 << QSize(3, 5)
@@ -192,9 +163,7 @@ void tst_VLiteStyle::themeLook_scalesPixelSizes_data()
     QTest::addColumn<double>("factor");
     QTest::addColumn<int>("pixelSize");
     // VMStyleLabel is written with a 12px font.
-    QTest::newRow("factor_1") << 1.0 << 12;
     QTest::newRow("factor_1.25") << 1.25 << 15;
-    QTest::newRow("factor_1.5") << 1.5 << 18;
     QTest::newRow("factor_2") << 2.0 << 24;
 }
 

@@ -38,12 +38,6 @@ void tst_VAppCommandLine::validArguments_data()
     QTest::newRow("src_before_and_after_files")
         << QStringList{"a.doc", "--src", "desk", "b.doc"} << QStringList{"a.doc", "b.doc"}
         << "desk" << false << "light" << 0.0 << QString() << QString() << QString() << -1;
-    QTest::newRow("src_with_equals_sign")
-        << QStringList{"--src=right click"} << QStringList() << "right click" << false << "light"
-        << 0.0 << QString() << QString() << QString() << -1;
-    QTest::newRow("empty_src_allowed")
-        << QStringList{"--src", ""} << QStringList() << QString() << false << "light" << 0.0
-        << QString() << QString() << QString() << -1;
     QTest::newRow("file_after_double_dash_may_start_with_dash")
         << QStringList{"--", "--odd-name.docx"} << QStringList{"--odd-name.docx"} << QString()
         << false << "light" << 0.0 << QString() << QString() << QString() << -1;
@@ -53,21 +47,12 @@ void tst_VAppCommandLine::validArguments_data()
     QTest::newRow("theme_name_case_ignored")
         << QStringList{"--theme", "Dark"} << QStringList() << QString() << false << "dark" << 0.0
         << QString() << QString() << QString() << -1;
-    QTest::newRow("last_theme_wins")
-        << QStringList{"--theme", "dark", "--theme", "light"} << QStringList() << QString()
-        << false << "light" << 0.0 << QString() << QString() << QString() << -1;
-    QTest::newRow("addon_and_usage_log_paths")
-        << QStringList{"--addon", "/x/lib.so", "--usage-log", "/tmp/u.jsonl"} << QStringList()
-        << QString() << false << "light" << 0.0 << "/x/lib.so" << "/tmp/u.jsonl" << QString() << -1;
     QTest::newRow("screenshot_without_delay_gets_default_delay")
         << QStringList{"--screenshot", "/tmp/s.png"} << QStringList() << QString() << false
         << "light" << 0.0 << QString() << QString() << "/tmp/s.png" << 2000;
     QTest::newRow("screenshot_with_delay")
         << QStringList{"--screenshot", "/tmp/s.png", "--quit-after", "3000"} << QStringList()
         << QString() << false << "light" << 0.0 << QString() << QString() << "/tmp/s.png" << 3000;
-    QTest::newRow("quit_after_zero_alone")
-        << QStringList{"--quit-after", "0"} << QStringList() << QString() << false << "light"
-        << 0.0 << QString() << QString() << QString() << 0;
 }
 
 void tst_VAppCommandLine::validArguments()

@@ -30,8 +30,6 @@ private slots:
     void accountMenuFollowsSignIn();
     void missingClientWidgetShowsNotice();
     void closingEmittedOnce();
-    void defaultSizeFollowsScale_data();
-    void defaultSizeFollowsScale();
 };
 
 void tst_VAppHostWindow::init()
@@ -204,24 +202,6 @@ void tst_VAppHostWindow::closingEmittedOnce()
     window.show();
     QVERIFY(window.close());
     QCOMPARE(spy.count(), 1);
-}
-
-void tst_VAppHostWindow::defaultSizeFollowsScale_data()
-{
-    QTest::addColumn<double>("scale");
-    QTest::addColumn<QSize>("expected");
-    QTest::newRow("scale_1") << 1.0 << QSize(1100, 720);
-    QTest::newRow("scale_1_5") << 1.5 << QSize(1650, 1080);
-}
-
-void tst_VAppHostWindow::defaultSizeFollowsScale()
-{
-    QFETCH(double, scale);
-    QFETCH(QSize, expected);
-    VAppTheme::setScale(scale);
-    VAppContainer container;
-    VAppHostWindow window(&container);
-    QCOMPARE(window.size(), expected);
 }
 
 QTEST_MAIN(tst_VAppHostWindow)

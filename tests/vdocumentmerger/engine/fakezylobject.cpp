@@ -122,11 +122,6 @@ FakeZylObject::~FakeZylObject()
 
 HRESULT FakeZylObject::GetIDsOfNames(REFIID, LPOLESTR *rgszNames, UINT cNames, LCID, DISPID *rgDispId)
 {
-    FakeZylState &state = FakeZylState::instance();
-    {
-        QMutexLocker locker(&state.mutex);
-        ++state.nameLookups;
-    }
     if (!rgszNames || !rgDispId || cNames != 1)
         return E_INVALIDARG;
     const QString name = QString::fromUtf16(rgszNames[0]);

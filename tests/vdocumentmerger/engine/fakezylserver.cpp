@@ -80,8 +80,6 @@ static void holdFromEnvironment(const QString &member, int occurrence)
 HRESULT FakeZylState::enter(const QString &member)
 {
     QMutexLocker locker(&mutex);
-    if (member != QLatin1String("CreateInstance"))
-        ++invocations;
     const int occurrence = ++callCounts[member];
     locker.unlock();
     holdFromEnvironment(member, occurrence);
@@ -123,8 +121,6 @@ void FakeZylServer::reset()
     // Whoever still waits goes on.
     state.released = true;
     state.changed.wakeAll();
-    state.nameLookups = 0;
-    state.invocations = 0;
     state.applicationsCreated = 0;
 }
 
@@ -145,20 +141,6 @@ QStringList FakeZylServer::journal(const QString &objectAndMember)
             out << entry;
     }
     return out;
-}
-
-int FakeZylServer::nameLookups()
-{
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    return state.nameLookups;
-}
-
-int FakeZylServer::invocations()
-{
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    return state.invocations;
 }
 
 int FakeZylServer::liveObjects()

@@ -30,8 +30,6 @@ public:
     static QStringList journal();
     // Entries that start with the given "<Object>.<Member>", e.g. "Document.SaveAs2".
     static QStringList journal(const QString &objectAndMember);
-    static int nameLookups();
-    static int invocations();
     static int liveObjects();
     static int openDocuments();
     static int applicationsCreated();

@@ -32,8 +32,6 @@ struct FakeZylState {
     int blockOccurrence = 0;
     bool blocked = false;
     bool released = false;
-    int nameLookups = 0;
-    int invocations = 0;
     int applicationsCreated = 0;
     std::atomic<int> liveObjects{0};
     std::atomic<int> openDocuments{0};

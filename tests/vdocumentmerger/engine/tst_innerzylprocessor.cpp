@@ -22,8 +22,6 @@ private slots:
     void openDocument();
     void failedPreconditionSendsNothing_data();
     void failedPreconditionSendsNothing();
-    void memberCalls_data();
-    void memberCalls();
     void saveDocumentAs_data();
     void saveDocumentAs();
     void saveDocumentAsKeepsExistingFile();
@@ -38,7 +36,6 @@ private slots:
     void textInsteadOfIntegerIsRefused_data();
     void textInsteadOfIntegerIsRefused();
     void createApplicationTwiceKeepsTheFirst();
-    void memberIdsAreNotCached();
 
 private:
     QString makeDocument(const QString &name, const QStringList &pages);
@@ -131,15 +128,8 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing_data()
         InnerZylProcessor::Dispatch d;
         return c->openDocument(dir + QStringLiteral("/missing.docx"), &d);
     }) << nothing;
-    QTest::newRow("open_missing_file_with_backslashes") << Op([](InnerZylProcessor *c, IDispatch *, const QString &dir) {
-        InnerZylProcessor::Dispatch d;
-        return c->openDocument(QString(dir + QStringLiteral("/missing.docx")).replace('/', '\\'), &d);
-    }) << nothing;
     QTest::newRow("save_as_onto_existing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
         return c->saveDocumentAs(d, dir + QStringLiteral("/three.docx"));
-    }) << nothing;
-    QTest::newRow("save_as_docx_onto_existing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
-        return c->saveDocumentAs(d, dir + QStringLiteral("/three.docx"), QStringLiteral("docx"));
     }) << nothing;
     QTest::newRow("insert_missing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
         return c->insertFileAtEnd(d, dir + QStringLiteral("/missing.docx"));
@@ -148,31 +138,16 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing_data()
         InnerZylProcessor::Dispatch r;
         return c->rangeOf(d, -1, 3, &r);
     }) << nothing;
-    QTest::newRow("range_negative_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        InnerZylProcessor::Dispatch r;
-        return c->rangeOf(d, 0, -3, &r);
-    }) << nothing;
     QTest::newRow("page_start_of_page_0") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
         int p = 0;
         return c->pageStart(d, 0, &p);
-    }) << nothing;
-    QTest::newRow("page_end_of_page_0") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        int p = 0;
-        return c->pageEnd(d, 0, &p);
     }) << nothing;
     QTest::newRow("page_start_past_the_count") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
         int p = 0;
         return c->pageStart(d, 4, &p);
     }) << countOnly;
-    QTest::newRow("page_end_past_the_count") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        int p = 0;
-        return c->pageEnd(d, 4, &p);
-    }) << countOnly;
     QTest::newRow("delete_pages_3_to_2") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
         return c->deletePages(d, 3, 2);
-    }) << nothing;
-    QTest::newRow("delete_pages_0_to_2") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->deletePages(d, 0, 2);
     }) << nothing;
     QTest::newRow("statistics_of_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
         int p = 0;
@@ -181,21 +156,10 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing_data()
     QTest::newRow("close_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
         return c->closeDocument(nullptr);
     }) << nothing;
-    QTest::newRow("start_of_no_range") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
-        int p = 0;
-        return c->rangeStart(nullptr, &p);
-    }) << nothing;
-    QTest::newRow("break_in_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
-        return c->insertBreakAtEnd(nullptr);
-    }) << nothing;
     QTest::newRow("documents_without_application") << Op([](InnerZylProcessor *, IDispatch *, const QString &) {
         InnerZylProcessor fresh;
         InnerZylProcessor::Dispatch d;
         return fresh.documents(&d);
-    }) << nothing;
-    QTest::newRow("quit_without_application") << Op([](InnerZylProcessor *, IDispatch *, const QString &) {
-        InnerZylProcessor fresh;
-        return fresh.quitApplication();
     }) << nothing;
 }
 
@@ -209,77 +173,6 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing()
     QCOMPARE(FakeZylServer::journal(), sent);
     QCOMPARE(FakeZylServer::readDocument(m_dir.filePath(QStringLiteral("three.docx"))),
              QStringList({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
-}
-
-void tst_InnerZylProcessor::memberCalls_data()
-{
-    using Op = ClientOp;
-    QTest::addColumn<Op>("operation");
-    QTest::addColumn<QStringList>("sent");
-
-    QTest::newRow("compute_statistics") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        int n = 0;
-        const HRESULT hr = c->computeStatistics(d, &n);
-        return n == 3 ? hr : E_UNEXPECTED;
-    }) << QStringList{QStringLiteral("call Document.ComputeStatistics(i4:2)")};
-    QTest::newRow("protection_type") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        int type = 0;
-        const HRESULT hr = c->protectionType(d, &type);
-        return type == -1 ? hr : E_UNEXPECTED;
-    }) << QStringList{QStringLiteral("get Document.ProtectionType()")};
-    QTest::newRow("save") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->saveDocument(d);
-    }) << QStringList{QStringLiteral("call Document.Save()")};
-    QTest::newRow("undo") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->undo(d, 1);
-    }) << QStringList{QStringLiteral("call Document.Undo(i4:1)")};
-    QTest::newRow("go_to_page") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        InnerZylProcessor::Dispatch r;
-        const HRESULT hr = c->goToPage(d, 2, &r);
-        return r ? hr : E_UNEXPECTED;
-    }) << QStringList{QStringLiteral("call Document.GoTo(i4:1, i4:1, i4:2)")};
-    QTest::newRow("range_of_start_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        InnerZylProcessor::Dispatch r;
-        int start = -1;
-        int end = -1;
-        HRESULT hr = c->rangeOf(d, 2, 5, &r);
-        if (SUCCEEDED(hr))
-            hr = c->rangeStart(r.get(), &start);
-        if (SUCCEEDED(hr))
-            hr = c->rangeEnd(r.get(), &end);
-        return start == 2 && end == 5 ? hr : E_UNEXPECTED;
-    }) << QStringList{QStringLiteral("call Document.Range(i4:2, i4:5)"), QStringLiteral("get Range.Start()"),
-                      QStringLiteral("get Range.End()")};
-    QTest::newRow("insert_break_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->insertBreakAtEnd(d);
-    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
-                      QStringLiteral("call Range.InsertBreak(i4:7)")};
-    QTest::newRow("insert_paragraph_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->insertParagraphAtEnd(d);
-    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
-                      QStringLiteral("call Range.InsertParagraph()")};
-    // The inserted file's path goes out as given, backslashes and all: only "Open" converts.
-    QTest::newRow("insert_file_at_end") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
-        return c->insertFileAtEnd(d, dir + QStringLiteral("/three.docx"));
-    }) << QStringList{QStringLiteral("call Document.Range()"), QStringLiteral("call Range.Collapse(i4:0)"),
-                      QStringLiteral("call Range.InsertFile(bstr:%DIR%/three.docx)")};
-    QTest::newRow("close") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
-        return c->closeDocument(d);
-    }) << QStringList{QStringLiteral("call Document.Close(i4:0)")};
-    QTest::newRow("quit") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
-        return c->quitApplication();
-    }) << QStringList{QStringLiteral("call Application.Quit()")};
-}
-
-void tst_InnerZylProcessor::memberCalls()
-{
-    using Op = ClientOp;
-    QFETCH(Op, operation);
-    QFETCH(QStringList, sent);
-    sent.replaceInStrings(QStringLiteral("%DIR%"), m_dir.path());
-
-    QCOMPARE(operation(m_client, m_document.get(), m_dir.path()), S_OK);
-    QCOMPARE(FakeZylServer::journal(), sent);
 }
 
 void tst_InnerZylProcessor::saveDocumentAs_data()
@@ -453,15 +346,6 @@ void tst_InnerZylProcessor::createApplicationTwiceKeepsTheFirst()
     QCOMPARE(m_client->computeStatistics(m_document.get(), &pages), S_OK);
     QCOMPARE(pages, 3);
     QVERIFY(m_client->hasApplication());
-}
-
-void tst_InnerZylProcessor::memberIdsAreNotCached()
-{
-    int n = 0;
-    for (int i = 0; i < 3; ++i)
-        QCOMPARE(m_client->computeStatistics(m_document.get(), &n), S_OK);
-    QCOMPARE(FakeZylServer::invocations(), 3);
-    QCOMPARE(FakeZylServer::nameLookups(), 3);
 }
 
 QTEST_GUILESS_MAIN(tst_InnerZylProcessor)

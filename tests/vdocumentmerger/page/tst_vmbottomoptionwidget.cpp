@@ -1,59 +1,16 @@
-#include <QLayout>
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <QAccessible>
-
 #include "host/liolite.h"
-#include "output/vmoutputoptionwidget.h"
 #include "page/vmbottomoptionwidget.h"
 
 class tst_VMBottomOptionWidget : public QObject {
     Q_OBJECT
 
 private slots:
-    void startButtonLook_data();
-    void startButtonLook();
     void clicksFollowEnabledState_data();
     void clicksFollowEnabledState();
 };
-
-void tst_VMBottomOptionWidget::startButtonLook_data()
-{
-    QTest::addColumn<double>("scale");
-    QTest::addColumn<QSize>("size");
-
-    QTest::newRow("scale_1") << 1.0 << QSize(124, 40);
-    QTest::newRow("scale_1.5") << 1.5 << QSize(186, 60);
-}
-
-void tst_VMBottomOptionWidget::startButtonLook()
-{
-    QFETCH(double, scale);
-    QFETCH(QSize, size);
-    const double previous = VLiteStyle::scaleOverride();
-    auto restore = qScopeGuard([previous] { VLiteStyle::setScaleOverride(previous); });
-    VLiteStyle::setScaleOverride(scale);
-
-    VMBottomOptionWidget bar(nullptr);
-    auto *button = bar.findChild<VLiteButton *>(QStringLiteral("VMStartMergeButton"));
-    QVERIFY(button);
-    QVERIFY(!button->isEnabled());
-    QCOMPARE(button->text(), QStringLiteral("start merge"));
-    QVERIFY2(!button->icon().isNull(), "the start icon set names no known image");
-    QCOMPARE(button->size(), size);
-    QCOMPARE(button->minimumSize(), button->maximumSize());
-    QCOMPARE(bar.layout()->contentsMargins(), QMargins());
-    QCOMPARE(bar.layout()->spacing(), 0);
-    // The button sits at the right end, after the stretch.
-    QCOMPARE(bar.layout()->indexOf(button), bar.layout()->count() - 1);
-    QCOMPARE(bar.layout()->itemAt(bar.layout()->count() - 1)->alignment(), Qt::AlignBottom);
-    // The output options come first, left of the stretch.
-    QVERIFY(qobject_cast<VMOutputOptionWidget *>(bar.layout()->itemAt(0)->widget()));
-    QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(button);
-    QVERIFY(iface);
-    QCOMPARE(iface->text(QAccessible::Name), QStringLiteral("start merge"));
-}
 
 void tst_VMBottomOptionWidget::clicksFollowEnabledState_data()
 {

@@ -19,8 +19,6 @@ private slots:
     void cleanupTestCase();
     void cleanup();
 
-    void layout_data();
-    void layout();
     void startFollowsSelection_data();
     void startFollowsSelection();
     void showEventPostsOncePerShow_data();
@@ -53,47 +51,6 @@ void tst_VMClientWidget::cleanupTestCase()
 void tst_VMClientWidget::cleanup()
 {
     m_app.clearEvents();
-}
-
-void tst_VMClientWidget::layout_data()
-{
-    QTest::addColumn<double>("scale");
-    QTest::addColumn<QMargins>("margins");
-    QTest::addColumn<int>("gap");
-
-    QTest::newRow("scale_1") << 1.0 << QMargins(28, 0, 28, 28) << 14;
-    QTest::newRow("scale_1.25_truncated") << 1.25 << QMargins(35, 0, 35, 35) << 17;
-    QTest::newRow("scale_2") << 2.0 << QMargins(56, 0, 56, 56) << 28;
-}
-
-void tst_VMClientWidget::layout()
-{
-    QFETCH(double, scale);
-    QFETCH(QMargins, margins);
-    QFETCH(int, gap);
-    const double previous = VLiteStyle::scaleOverride();
-    auto restore = qScopeGuard([previous] { VLiteStyle::setScaleOverride(previous); });
-    VLiteStyle::setScaleOverride(scale);
-
-    VMClientWidget w(nullptr);
-    QCOMPARE(w.objectName(), QStringLiteral("VMClientWidget"));
-    QLayout *l = w.layout();
-    QVERIFY(l);
-    QCOMPARE(l->contentsMargins(), margins);
-    QCOMPARE(l->spacing(), 0);
-    // File area, the gap, then the bottom bar.
-    QCOMPARE(l->count(), 3);
-    QCOMPARE(l->itemAt(0)->widget(), w.fileArea());
-    QCOMPARE(l->itemAt(1)->spacerItem()->sizeHint().height(), gap);
-    QCOMPARE(l->itemAt(2)->widget(), w.bottomOptionWidget());
-    QCOMPARE(VDrawHelper::getObjectThemeClassName(w.fileArea()), QStringLiteral("VMStyleWidget"));
-
-    w.resize(800, 600);
-    w.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&w));
-    // The file area takes the height the bar does not need.
-    QVERIFY(w.fileArea()->height() > w.bottomOptionWidget()->height());
-    QVERIFY(w.bottomOptionWidget()->geometry().bottom() < w.height());
 }
 
 void tst_VMClientWidget::startFollowsSelection_data()

@@ -75,7 +75,6 @@ private slots:
     // Runs first: nothing has been initialised yet.
     void createClientWidgetBeforeInitialize();
 
-    void controllerIsChildOfApplication();
     void exportsResolveByPlainName();
     void initializeRejects_data();
     void initializeRejects();
@@ -105,15 +104,6 @@ void tst_CAppController::createClientWidgetBeforeInitialize()
     QVERIFY(QTest::qWaitForWindowExposed(&host));
     QVERIFY(client->isVisible());
     sendClickEvent({{QStringLiteral("type"), QStringLiteral("addfile")}});
-}
-
-void tst_CAppController::controllerIsChildOfApplication()
-{
-    CAppController *controller = CAppController::instance();
-    QVERIFY(controller);
-    QCOMPARE(CAppController::instance(), controller);
-    QCOMPARE(controller->parent(), QCoreApplication::instance());
-    QCOMPARE(appController(), static_cast<IAppController *>(controller));
 }
 
 // The host finds the three entry points by name in the loaded library, as here.

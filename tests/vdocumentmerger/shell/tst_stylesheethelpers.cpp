@@ -12,11 +12,8 @@ private slots:
     void dpiScaled_data();
     void dpiScaled();
 
-    void scrollBarFirstRule();
     void scrollBarPlaceholders_data();
     void scrollBarPlaceholders();
-    void spinBoxFirstRules();
-    void spinBoxFilled();
 
     void themeColorDefaults_data();
     void themeColorDefaults();
@@ -34,13 +31,10 @@ void tst_StyleSheetHelpers::dpiScaled_data()
         << 1.25 << sheet << QStringLiteral("QWidget{border:1px solid red;font-size:15px;border-radius:4px;}");
     QTest::newRow("factor_1.5_halves_round_up")
         << 1.5 << sheet << QStringLiteral("QWidget{border:2px solid red;font-size:18px;border-radius:5px;}");
-    QTest::newRow("factor_2_doubles")
-        << 2.0 << sheet << QStringLiteral("QWidget{border:2px solid red;font-size:24px;border-radius:6px;}");
     QTest::newRow("zero_stays_zero") << 2.0 << QStringLiteral("a{height: 0px; width:0px;}")
                                      << QStringLiteral("a{height: 0px; width:0px;}");
     QTest::newRow("capital_px_scaled_letters_kept")
         << 1.5 << QStringLiteral("a{margin:10PX 4Px;}") << QStringLiteral("a{margin:15PX 6Px;}");
-    QTest::newRow("size_at_the_very_end") << 2.0 << QStringLiteral("width:7px") << QStringLiteral("width:14px");
     QTest::newRow("two_sizes_at_the_end")
         << 1.5 << QStringLiteral("margin:2px 4px") << QStringLiteral("margin:3px 6px");
     QTest::newRow("longer_number_shifts_following")
@@ -52,7 +46,6 @@ void tst_StyleSheetHelpers::dpiScaled_data()
     QTest::newRow("numbers_without_px_untouched")
         << 2.0 << QStringLiteral("a{font-weight:700;line-height:1.5em;width:3px;}")
         << QStringLiteral("a{font-weight:700;line-height:1.5em;width:6px;}");
-    QTest::newRow("empty_sheet") << 2.0 << QString() << QString();
     QTest::newRow("no_sizes") << 2.0 << QStringLiteral("color:red;") << QStringLiteral("color:red;");
 }
 
@@ -69,17 +62,6 @@ void tst_StyleSheetHelpers::dpiScaled()
     QCOMPARE(dpiScaledStyleSheet(sheet), expected);
 }
 
-void tst_StyleSheetHelpers::scrollBarFirstRule()
-{
-    const QString sheet = scrollBarStyleSheet(QStringLiteral("transparent"), QStringLiteral("QScrollArea"), 10, 4, 4, 3);
-    const int end = sheet.indexOf('}');
-    QVERIFY(end > 0);
-    QCOMPARE(sheet.left(end + 1),
-             QStringLiteral("QScrollArea QScrollBar:vertical {border: none;max-width:10px; "
-                            "background-color:transparent;padding-top:4px;padding-bottom:4px;}"));
-    QCOMPARE(sheet.count(QStringLiteral("QScrollArea QScrollBar")), 12);
-}
-
 void tst_StyleSheetHelpers::scrollBarPlaceholders_data()
 {
     QTest::addColumn<QString>("background");
@@ -89,9 +71,7 @@ void tst_StyleSheetHelpers::scrollBarPlaceholders_data()
     QTest::addColumn<int>("endPadding");
     QTest::addColumn<int>("radius");
 
-    QTest::newRow("content_area") << "transparent" << "QScrollArea" << 10 << 4 << 4 << 3;
     QTest::newRow("all_numbers_distinct") << "#123456" << "#list" << 11 << 2 << 7 << 5;
-    QTest::newRow("two_digit_values") << "white" << "QListView" << 12 << 10 << 13 << 14;
 }
 
 void tst_StyleSheetHelpers::scrollBarPlaceholders()
@@ -119,48 +99,13 @@ void tst_StyleSheetHelpers::scrollBarPlaceholders()
     QCOMPARE(sheet.count(QStringLiteral(":pressed{background: rgba(")), 2);
 }
 
-void tst_StyleSheetHelpers::spinBoxFirstRules()
-{
-    const QString sheet = spinBoxStyleSheet();
-    QVERIFY(sheet.startsWith(QStringLiteral("QSpinBox{padding-left: 4px;border:1px solid rgba(")));
-    QVERIFY(sheet.contains(QStringLiteral(";border-radius: 3px;color:rgba(")));
-    QVERIFY(sheet.contains(
-        QStringLiteral("font-size:12px;font-family:Microsoft YaHei UI;background-color:rgba(")));
-    QVERIFY(sheet.contains(QStringLiteral("}QSpinBox:disabled{color:rgba(")));
-    QVERIFY(sheet.endsWith(QStringLiteral(");}")));
-    QVERIFY(sheet.contains(QStringLiteral("image:url(:/shared/icons/spinbox_stroke_uparrow_l_8.svg);")));
-    QVERIFY(sheet.contains(QStringLiteral("image: url(:/shared/icons/spinbox_stroke_downarrow_l_8_disable.svg);")));
-}
-
-void tst_StyleSheetHelpers::spinBoxFilled()
-{
-    const QString sheet = spinBoxStyleSheet();
-    QVERIFY2(!sheet.contains(QRegularExpression(QStringLiteral("%\\d"))), qPrintable(sheet));
-
-    // The border colour is used by every border, and the button background by the box and
-    // both buttons: the same colour text must recur.
-    const QRegularExpressionMatch border =
-        QRegularExpression(QStringLiteral("^QSpinBox\\{padding-left: 4px;border:1px solid (rgba\\([^)]*\\));"))
-            .match(sheet);
-    QVERIFY(border.hasMatch());
-    QCOMPARE(sheet.count(QStringLiteral("1px solid ") + border.captured(1)), 8);
-    const QRegularExpressionMatch background =
-        QRegularExpression(QStringLiteral("font-family:Microsoft YaHei UI;background-color:(rgba\\([^)]*\\));"))
-            .match(sheet);
-    QVERIFY(background.hasMatch());
-    QCOMPARE(sheet.count(QStringLiteral("background-color: ") + background.captured(1)), 1);
-    QCOMPARE(sheet.count(QStringLiteral("background-color:") + background.captured(1)), 2);
-}
-
 void tst_StyleSheetHelpers::themeColorDefaults_data()
 {
     QTest::addColumn<QColor>("fallback");
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("spin_box_border_default") << QColor(QStringLiteral("#D7D9DE")) << "rgba(215,217,222,255)";
-    QTest::newRow("scroll_handle_default") << QColor(217, 217, 217, 255) << "rgba(217,217,217,255)";
     QTest::newRow("translucent_keeps_alpha") << QColor(1, 2, 3, 4) << "rgba(1,2,3,4)";
-    QTest::newRow("black") << QColor(Qt::black) << "rgba(0,0,0,255)";
     QTest::newRow("fully_transparent") << QColor(Qt::transparent) << "rgba(0,0,0,0)";
 }
 

@@ -34,7 +34,6 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
 
-    void restylesOpenDialog();
     void restylesDuringExec();
     void closedDialogIsLeftAlone();
     void everyOpenDialogFollows();
@@ -54,21 +53,6 @@ void tst_VMContentSkinDlg::cleanupTestCase()
 {
     QVERIFY(Destroy());
     delete m_window;
-}
-
-void tst_VMContentSkinDlg::restylesOpenDialog()
-{
-    CountingSkinDlg dlg(nullptr, VLiteContentDlg::IconType(0));
-    dlg.setTitle(QStringLiteral("Tips"));
-    dlg.setContent(QStringLiteral("The document does not exist. It may be removed or renamed"));
-    dlg.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
-    const int before = dlg.restyles;
-
-    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
-    QCOMPARE(dlg.restyles, before + 1);
-    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
-    QCOMPARE(dlg.restyles, before + 2);
 }
 
 void tst_VMContentSkinDlg::restylesDuringExec()

@@ -275,63 +275,63 @@ bool ZylTestDocuments::exportPdf(const QString &source, const QString &pdfPath, 
     return convert(source, pdfPath, error);
 }
 
-QStringList ZylTestDocuments::pageTexts(const QString &path, QString *error)
+bool ZylTestDocuments::readPages(const QString &path, QStringList *texts, QVector<QSize> *sizes, QString *error)
 {
+    // One export for both: every export starts an office of its own.
     QTemporaryDir work;
     const QString pdf = work.filePath(QStringLiteral("pages.pdf"));
     if (!exportPdf(path, pdf, error))
-        return {};
-    QProcess text;
-    text.start(QStringLiteral("pdftotext"), {QStringLiteral("-enc"), QStringLiteral("UTF-8"), pdf, QStringLiteral("-")});
-    if (!text.waitForFinished(60000) || text.exitCode() != 0) {
-        setError(error, QStringLiteral("pdftotext failed on %1").arg(path));
-        return {};
+        return false;
+    const auto run = [&](const QString &program, const QStringList &args, QString *out) {
+        QProcess process;
+        process.start(program, args);
+        if (!process.waitForFinished(60000) || process.exitCode() != 0) {
+            setError(error, QStringLiteral("%1 failed on %2").arg(program, path));
+            return false;
+        }
+        *out = QString::fromUtf8(process.readAllStandardOutput());
+        return true;
+    };
+    QString out;
+    if (texts) {
+        if (!run(QStringLiteral("pdftotext"), {QStringLiteral("-enc"), QStringLiteral("UTF-8"), pdf, QStringLiteral("-")}, &out))
+            return false;
+        *texts = out.split(QLatin1Char('\f'));
+        // pdftotext ends every page with a form feed, the last one included.
+        if (!texts->isEmpty() && texts->last().trimmed().isEmpty())
+            texts->removeLast();
+        for (QString &page : *texts)
+            page = page.simplified();
     }
-    QStringList pages = QString::fromUtf8(text.readAllStandardOutput()).split(QLatin1Char('\f'));
-    // pdftotext ends every page with a form feed, the last one included.
-    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
-        pages.removeLast();
-    for (QString &page : pages)
-        page = page.simplified();
-    return pages;
+    if (sizes) {
+        if (!run(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("100000"), pdf}, &out))
+            return false;
+        sizes->clear();
+        QRegularExpressionMatchIterator it = QRegularExpression(QStringLiteral("^Page\\s+\\d+ size:\\s+([\\d.]+) x ([\\d.]+)"),
+                                                                QRegularExpression::MultilineOption)
+                                                 .globalMatch(out);
+        while (it.hasNext()) {
+            const QRegularExpressionMatch m = it.next();
+            *sizes << QSize(qRound(m.captured(1).toDouble()), qRound(m.captured(2).toDouble()));
+        }
+    }
+    return true;
+}
+
+QStringList ZylTestDocuments::pageTexts(const QString &path, QString *error)
+{
+    QStringList texts;
+    return readPages(path, &texts, nullptr, error) ? texts : QStringList();
 }
 
 QVector<QSize> ZylTestDocuments::pdfPageSizes(const QString &path, QString *error)
 {
-    QTemporaryDir work;
-    const QString pdf = work.filePath(QStringLiteral("sizes.pdf"));
-    if (!exportPdf(path, pdf, error))
-        return {};
-    QProcess info;
-    info.start(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("100000"), pdf});
-    if (!info.waitForFinished(60000) || info.exitCode() != 0) {
-        setError(error, QStringLiteral("pdfinfo failed on %1").arg(path));
-        return {};
-    }
     QVector<QSize> sizes;
-    QRegularExpressionMatchIterator it = QRegularExpression(QStringLiteral("^Page\\s+\\d+ size:\\s+([\\d.]+) x ([\\d.]+)"),
-                                                            QRegularExpression::MultilineOption)
-                                             .globalMatch(QString::fromUtf8(info.readAllStandardOutput()));
-    while (it.hasNext()) {
-        const QRegularExpressionMatch m = it.next();
-        sizes << QSize(qRound(m.captured(1).toDouble()), qRound(m.captured(2).toDouble()));
-    }
-    return sizes;
+    return readPages(path, nullptr, &sizes, error) ? sizes : QVector<QSize>();
 }
 
 int ZylTestDocuments::pdfPageCount(const QString &path, QString *error)
 {
-    QTemporaryDir work;
-    const QString pdf = work.filePath(QStringLiteral("count.pdf"));
-    if (!exportPdf(path, pdf, error))
-        return -1;
-    QProcess info;
-    info.start(QStringLiteral("pdfinfo"), {pdf});
-    if (!info.waitForFinished(60000) || info.exitCode() != 0) {
-        setError(error, QStringLiteral("pdfinfo failed on %1").arg(path));
-        return -1;
-    }
-    const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)"), QRegularExpression::MultilineOption)
-                                          .match(QString::fromUtf8(info.readAllStandardOutput()));
-    return m.hasMatch() ? m.captured(1).toInt() : -1;
+    QVector<QSize> sizes;
+    return readPages(path, nullptr, &sizes, error) ? sizes.size() : -1;
 }
