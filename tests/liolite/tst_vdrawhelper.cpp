@@ -49,9 +49,20 @@ private slots:
     void loadIcon_unknownModeFallsBackToNormalImage();
     void loadIcon_followsTheme();
 
+    void iconSetsUsedByTheAddOn_data();
+    void iconSetsUsedByTheAddOn();
+
+    void spinBoxArrowImages_data();
+    void spinBoxArrowImages();
+
+    void getColorFromTheme_data();
+    void getColorFromTheme();
     void getColorFromTheme_defaults_data();
     void getColorFromTheme_defaults();
     void themesDefineTheSameClassesAndKeys();
+
+    void getObjectThemeClassName_data();
+    void getObjectThemeClassName();
 
     void checkCleanSurface_data();
     void checkCleanSurface();
@@ -148,6 +159,141 @@ void tst_VDrawHelper::loadIcon_followsTheme()
              qPrintable(QStringLiteral("%1 vs %2").arg(light.name(), dark.name())));
 }
 
+void tst_VDrawHelper::iconSetsUsedByTheAddOn_data()
+{
+    QTest::addColumn<QString>("iconSet");
+    const QStringList sets = {
+        "home_addfile;home_addfile_hover;home_addfile_click",
+        "vmaddfile_button_normal;vmaddfile_button_hover;vmaddfile_button_click",
+        "vmclear_select_button_normal;vmclear_select_button_hover;vmclear_select_button_click;"
+        "vmclear_select_button_disable",
+        "vmdelete_item_normal;vmdelete_item_hover;vmdelete_item_click;",
+        "vmdrag_item_normal;vmdrag_item_hover;vmdrag_item_click;",
+        "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;",
+        "vmopendir_item_normal;vmopendir_item_hover;vmopendir_item_click;",
+        "vmopenfile_item_normal;vmopenfile_item_hover;vmopenfile_item_click;",
+        "vmreload_normal;vmreload_hover;vmreload_click;",
+        "vmsort_button_asce;",
+        "vmsort_button_desc;",
+        "vmsort_button_normal;",
+        "vmstart_merge_normal;vmstart_merge_hover;vmstart_merge_click;vmstart_merge_disable;",
+        "vmcheckbox_unchecked",
+        "vmcheckbox_checked",
+        "vmcheckbox_partchecked",
+    };
+    for (const QString& theme : VLiteStyle::availableThemes()) {
+        for (const QString& set : sets)
+            QTest::newRow(qPrintable(theme + QLatin1Char(':') + set.section(QLatin1Char(';'), 0, 0)))
+                << theme + QLatin1Char('|') + set;
+    }
+}
+
+void tst_VDrawHelper::iconSetsUsedByTheAddOn()
+{
+    QFETCH(QString, iconSet);
+    const QString theme = iconSet.section(QLatin1Char('|'), 0, 0);
+    const QString set = iconSet.section(QLatin1Char('|'), 1);
+    QVERIFY(VLiteStyle::setTheme(theme));
+    const QIcon icon = VDrawHelper::loadIcon(set);
+    QVERIFY(!icon.isNull());
+    const QStringList names = set.split(QLatin1Char(';'), Qt::SkipEmptyParts);
+    const QList<QIcon::Mode> modes = allModes();
+    for (int i = 0; i < names.size(); ++i) {
+        QVERIFY2(!VDrawHelper::iconPath(names[i]).isEmpty(), qPrintable(names[i]));
+        QVERIFY2(!icon.availableSizes(modes[i]).isEmpty(), qPrintable(names[i]));
+        QVERIFY2(!icon.pixmap(QSize(16, 16), modes[i]).isNull(), qPrintable(names[i]));
+    }
+}
+
+void tst_VDrawHelper::spinBoxArrowImages_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("pointsUp");
+    QTest::newRow("up") << ":/shared/icons/spinbox_stroke_uparrow_l_8.svg" << true;
+    QTest::newRow("up_disabled") << ":/shared/icons/spinbox_stroke_uparrow_l_8_disable.svg" << true;
+    QTest::newRow("down") << ":/shared/icons/spinbox_stroke_downarrow_l_8.svg" << false;
+    QTest::newRow("down_disabled") << ":/shared/icons/spinbox_stroke_downarrow_l_8_disable.svg" << false;
+}
+
+void tst_VDrawHelper::spinBoxArrowImages()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, pointsUp);
+
+    // Style sheets load these through the image plug-ins, not through the icon engine.
+    QImage image(path);
+    QVERIFY2(!image.isNull(), qPrintable(path));
+    QCOMPARE(image.size(), QSize(8, 8));
+    image = QImage(path).scaled(64, 64);
+    image = image.convertToFormat(QImage::Format_ARGB32);
+    // The tip of the chevron is the inked pixel nearest the edge it points to.
+    int top = -1;
+    int bottom = -1;
+    for (int y = 0; y < image.height(); ++y) {
+        if (qAlpha(image.pixel(image.width() / 2, y)) > 0) {
+            if (top < 0)
+                top = y;
+            bottom = y;
+        }
+    }
+    QVERIFY(top >= 0);
+    int inkAtTopRow = 0;
+    int inkAtBottomRow = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        inkAtTopRow += qAlpha(image.pixel(x, top)) > 0;
+        inkAtBottomRow += qAlpha(image.pixel(x, bottom)) > 0;
+    }
+    // An up arrow is narrow at its top and wide at its bottom.
+    QCOMPARE(inkAtTopRow < inkAtBottomRow, pointsUp);
+}
+
+void tst_VDrawHelper::getColorFromTheme_data()
+{
+    QTest::addColumn<QString>("themeClass");
+    QTest::addColumn<QString>("key");
+
+    // Every look-up the add-on makes must be answered by both themes.
+    const QList<QPair<QString, QString>> lookups = {
+        {"VxContentListArea", "scroll-handle"},
+        {"VxContentListArea", "scroll-handle-hover"},
+        {"VxContentListArea", "scroll-handle-down"},
+        {"VMSpinBox", "border"},
+        {"VMSpinBox", "text"},
+        {"VMSpinBox", "text-disable"},
+        {"VMSpinBox", "button-background"},
+        {"VMSpinBox", "spinbox-hover"},
+        {"VMSpinBox", "spinbox-pressed"},
+        {"VMSpinBox", "selection-background-color"},
+        {"VMProgress", "progressBar-background"},
+        {"VMProgress", "progressBar-chunk"},
+        {"VMLoadingItem", "background"},
+        {"VMLoadingItem", "background-highlight"},
+        {"VMFileTableContentArea", "border-top"},
+        {"VMFifleTableContentItem", "background"},
+        {"VMFifleTableContentItem", "background-hover"},
+        {"VMFifleTableContentItem", "background-drag"},
+        {"VMFifleTableContentItem", "border"},
+        {"VSeparatorLine", VDrawHelper::Prop_Content},
+    };
+    for (const auto& lookup : lookups)
+        QTest::newRow(qPrintable(lookup.first + QLatin1Char('/') + lookup.second)) << lookup.first << lookup.second;
+}
+
+void tst_VDrawHelper::getColorFromTheme()
+{
+    QFETCH(QString, themeClass);
+    QFETCH(QString, key);
+    const QColor sentinel(1, 2, 3, 4);
+
+    const QColor light = VDrawHelper::getColorFromTheme(themeClass, key, sentinel);
+    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
+    const QColor dark = VDrawHelper::getColorFromTheme(themeClass, key, sentinel);
+
+    QVERIFY(light.isValid());
+    QVERIFY(light != sentinel);
+    QVERIFY(dark != sentinel);
+}
+
 void tst_VDrawHelper::getColorFromTheme_defaults_data()
 {
     QTest::addColumn<QString>("themeClass");
@@ -213,6 +359,33 @@ void tst_VDrawHelper::themesDefineTheSameClassesAndKeys()
     const QSet<QString> dark = seen.value(QStringLiteral("dark"));
     QCOMPARE(QSet<QString>(light).subtract(dark), QSet<QString>());
     QCOMPARE(QSet<QString>(dark).subtract(light), QSet<QString>());
+}
+
+void tst_VDrawHelper::getObjectThemeClassName_data()
+{
+    QTest::addColumn<bool>("withObject");
+    QTest::addColumn<QVariant>("property");
+    QTest::addColumn<QString>("defaultClass");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("null_object") << false << QVariant() << "Fallback" << "Fallback";
+    QTest::newRow("no_property") << true << QVariant() << "Fallback" << "Fallback";
+    QTest::newRow("no_property_empty_default") << true << QVariant() << "" << "";
+    QTest::newRow("empty_property") << true << QVariant(QString()) << "Fallback" << "Fallback";
+    QTest::newRow("set_property") << true << QVariant(QStringLiteral("VMProgress")) << "Fallback" << "VMProgress";
+}
+
+void tst_VDrawHelper::getObjectThemeClassName()
+{
+    QFETCH(bool, withObject);
+    QFETCH(QVariant, property);
+    QFETCH(QString, defaultClass);
+    QFETCH(QString, expected);
+
+    QObject object;
+    if (property.isValid())
+        object.setProperty(VDrawHelper::ObjectThemeClassName, property);
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(withObject ? &object : nullptr, defaultClass), expected);
 }
 
 void tst_VDrawHelper::checkCleanSurface_data()
