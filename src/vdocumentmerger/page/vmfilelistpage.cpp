@@ -216,14 +216,7 @@ void VMFileListPage::onInfoPageCount(QString filePath, bool success, int count)
         return;
     }
     if (success) {
-        row->setPageCount(count);
-        row->setPageRange(1, count);
-        if (!row->isRangeInitialized()) {
-            row->setRangeFrom(1);
-            row->setRangeTo(count);
-            row->setRangeInitialized(true);
-        }
-        row->setReadSuccess(true);
+        row->applyPageCount(count);
     } else {
         sendUsageEvent(QStringLiteral("vas_wordmerge_parsefail"), {{QStringLiteral("action"), QStringLiteral("show")}});
         row->setReadSuccess(false);

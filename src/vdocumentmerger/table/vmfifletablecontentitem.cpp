@@ -154,6 +154,18 @@ bool VMFifleTableContentItem::isRangeInitialized() const
     return m_rangeInitialized;
 }
 
+void VMFifleTableContentItem::applyPageCount(int count)
+{
+    setPageCount(count);
+    setPageRange(1, count);
+    if (!isRangeInitialized()) {
+        setRangeFrom(1);
+        setRangeTo(count);
+        setRangeInitialized(true);
+    }
+    setReadSuccess(true);
+}
+
 void VMFifleTableContentItem::setReadSuccess(bool ok)
 {
     m_outputRangeSubItem->setCurrentIndex(ok ? 1 : 0);

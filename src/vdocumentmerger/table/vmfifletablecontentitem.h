@@ -48,6 +48,9 @@ public:
     bool isRangeInitialized() const;
     void setReadSuccess(bool ok);
     bool isReadSuccess() const;
+    // A successful count: shows it, limits both range boxes to 1..count, fills the range from the
+    // first count only (later counts keep the user's values, clamped), then the counted look.
+    void applyPageCount(int count);
     // Both act only while the spinner is visible.
     void startLoading();
     void stopLoading();

@@ -28,19 +28,6 @@ using Params = QHash<QString, QString>;
 
 namespace {
 
-// What the merge page does with a successful count.
-void applyCount(VMFifleTableContentItem *row, int count)
-{
-    row->setPageCount(count);
-    row->setPageRange(1, count);
-    if (!row->isRangeInitialized()) {
-        row->setRangeFrom(1);
-        row->setRangeTo(count);
-        row->setRangeInitialized(true);
-    }
-    row->setReadSuccess(true);
-}
-
 bool textFits(QSpinBox *spinBox)
 {
     const QLineEdit *edit = spinBox->findChild<QLineEdit *>();
@@ -167,7 +154,7 @@ void tst_VMFifleTableContentItem::rangeRules()
     for (int i = 0; i < counts.size(); ++i) {
         if (i == 1)
             m_row->startLoading();
-        applyCount(m_row, counts.at(i));
+        m_row->applyPageCount(counts.at(i));
         if (i == 0 && userFrom) {
             m_row->setRangeFrom(userFrom);
             m_row->setRangeTo(userTo);
@@ -224,7 +211,7 @@ void tst_VMFifleTableContentItem::looks()
     QCOMPARE(pages->currentIndex(), 1);
 
     // Counted.
-    applyCount(m_row, 7);
+    m_row->applyPageCount(7);
     QCOMPARE(pages->currentIndex(), 0);
     QCOMPARE(pages->countLabel()->text(), QStringLiteral("7"));
     QCOMPARE(range->currentIndex(), 1);
@@ -260,7 +247,7 @@ void tst_VMFifleTableContentItem::names()
 
 void tst_VMFifleTableContentItem::wheelScrollsListNotSpinBox()
 {
-    applyCount(m_row, 12);
+    m_row->applyPageCount(12);
     m_row->setRangeFrom(5);
     QSpinBox *first = m_row->outputRangeSubItem()->rangeWidget()->fromSpinBox();
     const QPoint centre = first->rect().center();
