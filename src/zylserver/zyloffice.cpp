@@ -64,6 +64,8 @@ const char *const kProfileSettings =
     "<item oor:path=\"/org.openoffice.Office.Common/Misc\"><prop oor:name=\"UseDocumentSystemFileLocking\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Misc\"><prop oor:name=\"FirstRun\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Save/Document\"><prop oor:name=\"CreateBackup\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
+    // A thumbnail is a rendering of the first page, with every OpenDocument save.
+    "<item oor:path=\"/org.openoffice.Office.Common/Save/Document\"><prop oor:name=\"GenerateThumbnail\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Recovery/AutoSave\"><prop oor:name=\"Enabled\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Recovery/RecoveryInfo\"><prop oor:name=\"Enabled\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "<item oor:path=\"/org.openoffice.Office.Common/Security/Scripting\"><prop oor:name=\"MacroSecurityLevel\" oor:op=\"fuse\"><value>3</value></prop></item>\n"
@@ -140,6 +142,17 @@ void closeInheritedFiles()
 }
 
 } // namespace
+
+QString ZylOffice::privateFolder()
+{
+    std::string dir;
+    QString error;
+    if (!profileDir(&dir, &error)) {
+        qCWarning(lcZylServer) << error;
+        return QString();
+    }
+    return QString::fromStdString(dir);
+}
 
 std::chrono::milliseconds ZylOffice::callTimeout()
 {
@@ -382,6 +395,7 @@ HRESULT ZylOffice::call(const char *what, const std::function<HRESULT()> &work)
         m_watchdogWake.notify_all();
 
     HRESULT hr = E_FAIL;
+    const auto started = std::chrono::steady_clock::now();
     try {
         hr = work();
     } catch (const lang::DisposedException &e) {
@@ -396,6 +410,9 @@ HRESULT ZylOffice::call(const char *what, const std::function<HRESULT()> &work)
         hr = DISP_E_EXCEPTION;
     }
 
+    if (outermost)
+        qCDebug(lcZylServer, "%s: %lld ms", what,
+                qint64(std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - started).count()));
     bool timedOut = false;
     if (outermost) {
         std::lock_guard<std::mutex> slock(m_stateMutex);

@@ -43,6 +43,9 @@ public:
     css::uno::Reference<css::uno::XComponentContext> remoteContext() const { return m_remoteContext; }
     css::uno::Reference<css::frame::XDesktop2> desktop() const { return m_desktop; }
 
+    // A folder private to this process for the server's own files; removed when the process ends.
+    static QString privateFolder();
+
     static std::chrono::milliseconds callTimeout();
     static std::chrono::milliseconds hangTimeout();
 

@@ -13,6 +13,7 @@
 #include <com/sun/star/beans/Property.hpp>
 #include <com/sun/star/beans/PropertyAttribute.hpp>
 #include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
@@ -28,39 +29,18 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
+#include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
 #include "zyllog.h"
 #include "zylsession.h"
+#include "zyluno.h"
 
 using namespace css;
 
 namespace {
-
-rtl::OUString ou(const char *ascii)
-{
-    return rtl::OUString::createFromAscii(ascii);
-}
-
-rtl::OUString ou(const QString &s)
-{
-    return rtl::OUString(reinterpret_cast<const sal_Unicode *>(s.utf16()), s.size());
-}
-
-QString qs(const rtl::OUString &s)
-{
-    return QString::fromUtf16(reinterpret_cast<const char16_t *>(s.getStr()), s.getLength());
-}
-
-beans::PropertyValue property(const char *name, const uno::Any &value)
-{
-    beans::PropertyValue p;
-    p.Name = ou(name);
-    p.Value = value;
-    return p;
-}
 
 uno::Reference<container::XNameContainer> pageStyles(const uno::Reference<uno::XInterface> &document)
 {
@@ -79,6 +59,114 @@ rtl::OUString stringProperty(const uno::Reference<beans::XPropertySet> &props, c
     return value;
 }
 
+std::vector<rtl::OUString> writableNames(const uno::Reference<beans::XPropertySet> &props,
+                                         const std::set<rtl::OUString> &skipped)
+{
+    std::vector<rtl::OUString> names;
+    for (const beans::Property &p : props->getPropertySetInfo()->getProperties()) {
+        if (!(p.Attributes & beans::PropertyAttribute::READONLY) && !skipped.count(p.Name))
+            names.push_back(p.Name);
+    }
+    return names;
+}
+
+// All values in one call where the office takes it: a call per property costs a round trip, and
+// a reformat of the document when setting.
+bool bulkValues(const uno::Reference<beans::XPropertySet> &props, const std::vector<rtl::OUString> &names,
+                uno::Sequence<uno::Any> *values)
+{
+    uno::Reference<beans::XMultiPropertySet> bulk(props, uno::UNO_QUERY);
+    if (!bulk.is())
+        return false;
+    try {
+        *values = bulk->getPropertyValues(uno::Sequence<rtl::OUString>(names.data(), sal_Int32(names.size())));
+        return values->getLength() == sal_Int32(names.size());
+    } catch (const uno::Exception &) {
+        return false;
+    }
+}
+
+// Copies every writable property but the skipped ones.
+void copyProperties(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to,
+                    const std::set<rtl::OUString> &skipped)
+{
+    const std::vector<rtl::OUString> names = writableNames(from, skipped);
+    uno::Sequence<uno::Any> values;
+    uno::Reference<beans::XMultiPropertySet> bulkTo(to, uno::UNO_QUERY);
+    if (bulkTo.is() && bulkValues(from, names, &values)) {
+        // No value or an empty style name means none, which the office refuses to be told; the
+        // copy has none already.
+        std::vector<rtl::OUString> setNames;
+        std::vector<uno::Any> setValues;
+        for (sal_Int32 i = 0; i < values.getLength(); ++i) {
+            rtl::OUString text;
+            if (!values[i].hasValue() || ((values[i] >>= text) && text.isEmpty()))
+                continue;
+            setNames.push_back(names[size_t(i)]);
+            setValues.push_back(values[i]);
+        }
+        try {
+            bulkTo->setPropertyValues(uno::Sequence<rtl::OUString>(setNames.data(), sal_Int32(setNames.size())),
+                                      uno::Sequence<uno::Any>(setValues.data(), sal_Int32(setValues.size())));
+            return;
+        } catch (const uno::Exception &e) {
+            // One property that does not apply in this state spoils the whole call.
+            qCDebug(lcZylServer) << "copying a style property by property:" << toQString(e.Message);
+        }
+    }
+    for (const rtl::OUString &name : names) {
+        try {
+            to->setPropertyValue(name, from->getPropertyValue(name));
+        } catch (const uno::Exception &) {
+            // Properties that do not apply in this state (a left header of a shared style).
+        }
+    }
+}
+
+// Whether two styles define the same values. Objects (header texts) are left to the caller;
+// anything that cannot be read counts as a difference.
+bool sameProperties(const uno::Reference<beans::XPropertySet> &a, const uno::Reference<beans::XPropertySet> &b,
+                    const std::set<rtl::OUString> &skipped)
+{
+    const std::vector<rtl::OUString> names = writableNames(a, skipped);
+    uno::Sequence<uno::Any> first, second;
+    if (!bulkValues(a, names, &first) || !bulkValues(b, names, &second))
+        return false;
+    for (sal_Int32 i = 0; i < first.getLength(); ++i) {
+        if (first[i].getValueTypeClass() != uno::TypeClass_INTERFACE && first[i] != second[i])
+            return false;
+    }
+    return true;
+}
+
+const char *const kHeaderFooterTexts[] = {"HeaderText", "HeaderTextLeft", "HeaderTextRight", "HeaderTextFirst",
+                                          "FooterText", "FooterTextLeft", "FooterTextRight", "FooterTextFirst"};
+
+const std::set<rtl::OUString> &pageStyleLinks()
+{
+    static const std::set<rtl::OUString> names = {ou("FollowStyle"), ou("DisplayName")};
+    return names;
+}
+
+// A source's page style that the target has under its name, with the same values and header and
+// footer texts, needs no copy of its own.
+bool samePageStyle(const uno::Reference<beans::XPropertySet> &a, const uno::Reference<beans::XPropertySet> &b)
+{
+    if (!sameProperties(a, b, pageStyleLinks()))
+        return false;
+    for (const char *name : kHeaderFooterTexts) {
+        try {
+            uno::Reference<text::XTextRange> x(a->getPropertyValue(ou(name)), uno::UNO_QUERY);
+            uno::Reference<text::XTextRange> y(b->getPropertyValue(ou(name)), uno::UNO_QUERY);
+            if (x.is() != y.is() || (x.is() && x->getString() != y->getString()))
+                return false;
+        } catch (const uno::Exception &) {
+            // Not there while the header or footer is off, in both alike as the switches agree.
+        }
+    }
+    return true;
+}
+
 // Everything a page style says, headers and footers with their text included. Switches go first:
 // the header and footer properties exist only while they are on.
 void copyPageStyle(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to)
@@ -91,21 +179,10 @@ void copyPageStyle(const uno::Reference<beans::XPropertySet> &from, const uno::R
         } catch (const uno::Exception &) {
         }
     }
-    const uno::Sequence<beans::Property> all = from->getPropertySetInfo()->getProperties();
-    for (const beans::Property &p : all) {
-        if ((p.Attributes & beans::PropertyAttribute::READONLY) || p.Name == "FollowStyle" || p.Name == "DisplayName")
-            continue;
-        try {
-            to->setPropertyValue(p.Name, from->getPropertyValue(p.Name));
-        } catch (const uno::Exception &) {
-            // Properties that do not apply in this state (a left header of a shared style).
-        }
-    }
-    static const char *const texts[] = {"HeaderText", "HeaderTextLeft", "HeaderTextRight", "HeaderTextFirst",
-                                        "FooterText", "FooterTextLeft", "FooterTextRight", "FooterTextFirst"};
+    copyProperties(from, to, pageStyleLinks());
     // Shared variants are one text under several names, and copying adds to what is there.
     std::vector<uno::Reference<text::XTextCopy>> filled;
-    for (const char *name : texts) {
+    for (const char *name : kHeaderFooterTexts) {
         try {
             uno::Reference<text::XTextCopy> source(from->getPropertyValue(ou(name)), uno::UNO_QUERY);
             uno::Reference<text::XTextCopy> target(to->getPropertyValue(ou(name)), uno::UNO_QUERY);
@@ -143,9 +220,9 @@ void collectParagraphs(const uno::Reference<container::XEnumerationAccess> &text
 }
 
 // A paragraph style of a name the target has too takes the target's definition on insertion, and
-// the text reflows. Each such style the body uses is copied, with every value it resolves to, under
-// a name of its own.
-void keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, const uno::Reference<text::XTextDocument> &target)
+// the text reflows. Each such style the body uses that the target defines otherwise is copied, with
+// every value it resolves to, under a name of its own. Returns whether any was.
+bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, const uno::Reference<text::XTextDocument> &target)
 {
     uno::Reference<style::XStyleFamiliesSupplier> sourceSupplier(source, uno::UNO_QUERY_THROW);
     uno::Reference<style::XStyleFamiliesSupplier> targetSupplier(target, uno::UNO_QUERY_THROW);
@@ -156,36 +233,33 @@ void keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, cons
     uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
     std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
     collectParagraphs(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW), &paragraphs);
+    // Links to other styles and lists stay with the original.
+    const std::set<rtl::OUString> links = {ou("FollowStyle"), ou("DisplayName"), ou("ParentStyle"),
+                                           ou("ParaStyleConditions"), ou("NumberingStyleName"), ou("LinkStyle")};
     std::map<rtl::OUString, rtl::OUString> renamed;
+    std::set<rtl::OUString> same;
     for (const auto &paragraph : paragraphs) {
         const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
-        if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name))
+        if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name) || same.count(name))
             continue;
         auto found = renamed.find(name);
         if (found == renamed.end()) {
             uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
+            if (sameProperties(style, uno::Reference<beans::XPropertySet>(targetStyles->getByName(name), uno::UNO_QUERY_THROW),
+                               links)) {
+                same.insert(name);
+                continue;
+            }
             const rtl::OUString display = stringProperty(style, "DisplayName");
             rtl::OUString fresh;
             for (int n = 2;; ++n) {
-                fresh = ou(QStringLiteral("%1 (%2)").arg(qs(display.isEmpty() ? name : display)).arg(n));
+                fresh = toOUString(QStringLiteral("%1 (%2)").arg(toQString(display.isEmpty() ? name : display)).arg(n));
                 if (!targetStyles->hasByName(fresh) && !sourceStyles->hasByName(fresh))
                     break;
             }
             uno::Reference<style::XStyle> copy(factory->createInstance(ou("com.sun.star.style.ParagraphStyle")), uno::UNO_QUERY_THROW);
             sourceStyles->insertByName(fresh, uno::Any(copy));
-            uno::Reference<beans::XPropertySet> to(copy, uno::UNO_QUERY_THROW);
-            const uno::Sequence<beans::Property> all = style->getPropertySetInfo()->getProperties();
-            for (const beans::Property &p : all) {
-                // Links to other styles and lists stay with the original.
-                if ((p.Attributes & beans::PropertyAttribute::READONLY) || p.Name == "FollowStyle" || p.Name == "DisplayName"
-                    || p.Name == "ParentStyle" || p.Name == "ParaStyleConditions" || p.Name == "NumberingStyleName"
-                    || p.Name == "LinkStyle")
-                    continue;
-                try {
-                    to->setPropertyValue(p.Name, style->getPropertyValue(p.Name));
-                } catch (const uno::Exception &) {
-                }
-            }
+            copyProperties(style, uno::Reference<beans::XPropertySet>(copy, uno::UNO_QUERY_THROW), links);
             found = renamed.emplace(name, fresh).first;
         }
         try {
@@ -194,6 +268,7 @@ void keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, cons
         } catch (const uno::Exception &) {
         }
     }
+    return !renamed.empty();
 }
 
 } // namespace
@@ -205,7 +280,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     m_url.clear();
     m_path.clear();
     m_firstStyle = rtl::OUString();
-    if (!desktop.is() || !target.is())
+    if (!desktop.is() || !target.is() || folder.isEmpty())
         return false;
 
     std::vector<beans::PropertyValue> props = {
@@ -216,10 +291,10 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     };
     const QString forced = ZylFilters::importFilterFor(path);
     if (!forced.isEmpty())
-        props.push_back(property("FilterName", uno::Any(ou(forced))));
+        props.push_back(property("FilterName", uno::Any(toOUString(forced))));
     const QString url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
     uno::Reference<lang::XComponent> component = desktop->loadComponentFromURL(
-        ou(url), ou("_blank"), 0, uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
+        toOUString(url), ou("_blank"), 0, uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
     uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
     uno::Reference<text::XTextDocument> source(component, uno::UNO_QUERY);
     if (!model.is() || !source.is()) {
@@ -264,15 +339,21 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     if (used.empty())
         return false;
 
-    // New names that neither document has.
+    // When the target has every one of them as it is, the pages keep their names; otherwise all
+    // get new names that neither document has, so that follow styles stay among themselves.
     const uno::Reference<container::XNameContainer> targetStyles = pageStyles(target);
+    const bool targetHasThem = std::all_of(used.begin(), used.end(), [&](const rtl::OUString &name) {
+        return targetStyles->hasByName(name)
+            && samePageStyle(uno::Reference<beans::XPropertySet>(sourceStyles->getByName(name), uno::UNO_QUERY_THROW),
+                             uno::Reference<beans::XPropertySet>(targetStyles->getByName(name), uno::UNO_QUERY_THROW));
+    });
     std::map<rtl::OUString, rtl::OUString> renamed;
-    for (const rtl::OUString &name : used) {
+    for (const rtl::OUString &name : targetHasThem ? std::vector<rtl::OUString>() : used) {
         uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
-        const QString base = qs(stringProperty(style, "DisplayName").isEmpty() ? name : stringProperty(style, "DisplayName"));
+        const QString base = toQString(stringProperty(style, "DisplayName").isEmpty() ? name : stringProperty(style, "DisplayName"));
         rtl::OUString fresh;
         for (int n = 2;; ++n) {
-            fresh = ou(QStringLiteral("%1 (%2)").arg(base).arg(n));
+            fresh = toOUString(QStringLiteral("%1 (%2)").arg(base).arg(n));
             if (!targetStyles->hasByName(fresh) && !sourceStyles->hasByName(fresh))
                 break;
         }
@@ -310,10 +391,18 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         }
     }
 
+    bool paragraphStylesKept = false;
     try {
-        keepParagraphStyles(source, target);
+        paragraphStylesKept = keepParagraphStyles(source, target);
     } catch (const uno::Exception &) {
         // The page layout comes along all the same.
+    }
+    const auto firstRenamed = renamed.find(first);
+    m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
+    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is()) {
+        // Nothing to change: the document goes in as it is, starting its first page style.
+        m_url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+        return true;
     }
 
     QString file;
@@ -322,11 +411,10 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     const QString fileUrl = QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
     uno::Reference<frame::XStorable> storable(source, uno::UNO_QUERY_THROW);
     const beans::PropertyValue filter = property("FilterName", uno::Any(ou("writer8")));
-    storable->storeToURL(ou(fileUrl), uno::Sequence<beans::PropertyValue>(&filter, 1));
+    storable->storeToURL(toOUString(fileUrl), uno::Sequence<beans::PropertyValue>(&filter, 1));
     if (!QFile::exists(file))
         return false;
     m_url = fileUrl;
     m_path = file;
-    m_firstStyle = renamed[first];
     return true;
 }

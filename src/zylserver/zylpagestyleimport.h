@@ -12,13 +12,16 @@
 
 class ZylPageStyleImport {
 public:
-    // Writes the prepared copy of the document at path into folder. Returns false, and leaves
-    // nothing in folder, when the document cannot be prepared; the caller then inserts it as it is.
+    // Writes the prepared copy of the document at path into folder, unless the target has its
+    // styles as they are: then the document itself is to be inserted, naming its first page style.
+    // Returns false, and leaves nothing in folder, when the document cannot be prepared; the caller
+    // then inserts it as it is.
     bool prepare(const css::uno::Reference<css::frame::XDesktop2> &desktop,
                  const css::uno::Reference<css::text::XTextDocument> &target, const QString &path,
                  const QString &folder);
 
     QString preparedUrl() const { return m_url; }
+    // Empty when no copy was written.
     QString preparedPath() const { return m_path; }
     // The page style the inserted content starts with, as named in the target after insertion.
     rtl::OUString firstPageStyle() const { return m_firstStyle; }

@@ -1,6 +1,5 @@
 #include "zylrange.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUrl>
@@ -144,7 +143,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             bool prepared = false;
             try {
                 prepared = layout.prepare(m_session->office().desktop(), m_document, info.absoluteFilePath(),
-                                          QDir::tempPath());
+                                          ZylOffice::privateFolder());
             } catch (const uno::Exception &e) {
                 qCInfo(lcZylServer) << "inserting" << path << "without its page layout:"
                                     << QString::fromUtf16(reinterpret_cast<const char16_t *>(e.Message.getStr()),
