@@ -20,6 +20,8 @@
 #include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XDrawPageSupplier.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
@@ -271,6 +273,41 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, cons
     return !renamed.empty();
 }
 
+// A shape with a text frame of its own. Inserting a prepared OpenDocument copy that holds one can
+// end the office (seen with one in a header); the Word format brings it in by another way.
+bool hasTextBoxes(const uno::Reference<uno::XInterface> &document)
+{
+    uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
+    if (!supplier.is())
+        return false;
+    const uno::Reference<drawing::XDrawPage> page = supplier->getDrawPage();
+    for (sal_Int32 i = 0; i < page->getCount(); ++i) {
+        uno::Reference<beans::XPropertySet> shape(page->getByIndex(i), uno::UNO_QUERY);
+        bool textBox = false;
+        try {
+            if (shape.is() && (shape->getPropertyValue(ou("TextBox")) >>= textBox) && textBox)
+                return true;
+        } catch (const uno::Exception &) {
+            // Not a shape that can have one.
+        }
+    }
+    return false;
+}
+
+// Stores the document under a fresh name in folder; empty when that failed.
+QString storeCopy(const uno::Reference<text::XTextDocument> &document, const QString &folder, const char *filter,
+                  const QString &suffix)
+{
+    QString file;
+    for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
+        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.%3").arg(QCoreApplication::applicationPid()).arg(n).arg(suffix));
+    uno::Reference<frame::XStorable> storable(document, uno::UNO_QUERY_THROW);
+    const beans::PropertyValue filterName = property("FilterName", uno::Any(ou(filter)));
+    storable->storeToURL(toOUString(QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded())),
+                         uno::Sequence<beans::PropertyValue>(&filterName, 1));
+    return QFile::exists(file) ? file : QString();
+}
+
 } // namespace
 
 bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop,
@@ -306,6 +343,13 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         uno::Reference<frame::XModel> model;
         ~Closer() { ZylSession::closeModel(model); }
     } closer{model};
+
+    if (hasTextBoxes(source)) {
+        // Its page styles stay behind: they would not keep their names in the Word format.
+        m_path = storeCopy(source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
+        m_url = m_path.isEmpty() ? QString() : QString::fromLatin1(QUrl::fromLocalFile(m_path).toEncoded());
+        return !m_path.isEmpty();
+    }
 
     // The body's elements and the page styles they start, the first one's included.
     std::vector<uno::Reference<beans::XPropertySet>> elements;
@@ -405,16 +449,9 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         return true;
     }
 
-    QString file;
-    for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
-        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.odt").arg(QCoreApplication::applicationPid()).arg(n));
-    const QString fileUrl = QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded());
-    uno::Reference<frame::XStorable> storable(source, uno::UNO_QUERY_THROW);
-    const beans::PropertyValue filter = property("FilterName", uno::Any(ou("writer8")));
-    storable->storeToURL(toOUString(fileUrl), uno::Sequence<beans::PropertyValue>(&filter, 1));
-    if (!QFile::exists(file))
+    m_path = storeCopy(source, folder, "writer8", QStringLiteral("odt"));
+    if (m_path.isEmpty())
         return false;
-    m_url = fileUrl;
-    m_path = file;
+    m_url = QString::fromLatin1(QUrl::fromLocalFile(m_path).toEncoded());
     return true;
 }

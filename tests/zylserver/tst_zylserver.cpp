@@ -136,6 +136,8 @@ private slots:
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
+    void appendTextBoxInHeader_data();
+    void appendTextBoxInHeader();
     void appendKeepsSourceLayout_data();
     void appendKeepsSourceLayout();
     void editsMatchFreshReading_data();
@@ -716,6 +718,65 @@ void tst_ZylServer::appendAfterCutThroughTable()
     QVERIFY(texts[0].startsWith(QStringLiteral("cover")));
     QVERIFY(texts[1].contains(QStringLiteral("row")));
     QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
+}
+
+void tst_ZylServer::appendTextBoxInHeader_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("zyl_source") << QStringLiteral("zyl");
+    QTest::newRow("docx_source") << QStringLiteral("docx");
+}
+
+void tst_ZylServer::appendTextBoxInHeader()
+{
+    // Inserting a document with a text box in its header ended the office.
+    QFETCH(QString, suffix);
+    const QString flat = m_dir.filePath(QStringLiteral("textbox.fodt"));
+    QFile file(flat);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+        "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
+        " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+        " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+        " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\""
+        " xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+        " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+        " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
+        "<office:automatic-styles><style:page-layout style:name=\"L\"><style:page-layout-properties"
+        " fo:page-width=\"21cm\" fo:page-height=\"29.7cm\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\""
+        " fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/><style:header-style/></style:page-layout>"
+        "<style:style style:name=\"G\" style:family=\"graphic\" style:parent-style-name=\"Frame\">"
+        "<style:graphic-properties draw:fill=\"none\" fo:min-height=\"2cm\" fo:min-width=\"5cm\""
+        " style:vertical-pos=\"from-top\" style:vertical-rel=\"page-content\" style:horizontal-pos=\"from-left\""
+        " style:horizontal-rel=\"page-content\"/></style:style></office:automatic-styles>"
+        "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">"
+        "<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
+        " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
+        " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
+        " draw:enhanced-path=\"M 0 0 L ?f3 0 ?f3 ?f2 0 ?f2 Z N\"><draw:equation draw:name=\"f2\" draw:formula=\"logheight\"/>"
+        "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape>"
+        "</text:p></style:header></style:master-page></office:master-styles>"
+        "<office:body><office:text><text:p>source body</text:p></office:text></office:body></office:document>");
+    file.close();
+    const QString source = m_dir.filePath(QStringLiteral("textbox.") + suffix);
+    QFile::remove(source);
+    QVERIFY(ZylTestDocuments::convert(flat, source));
+    const QString target = m_dir.filePath(QStringLiteral("textbox-target.docx"));
+    QFile::remove(target);
+    QVERIFY(QFile::copy(pageDoc(QStringLiteral("textbox-a.docx"), textPages({"target one"})), target));
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), source), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 2);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(target);
+    QCOMPARE(texts.size(), 2);
+    QVERIFY2(texts[1].contains(QStringLiteral("source body")), qPrintable(texts[1]));
 }
 
 void tst_ZylServer::appendKeepsSourceLayout_data()
