@@ -10,12 +10,16 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QByteArray>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <QUrl>
 
 #include <com/sun/star/bridge/UnoUrlResolver.hpp>
@@ -73,6 +77,53 @@ const char *const kProfileSettings =
     "<item oor:path=\"/org.openoffice.Office.Common/Misc\"><prop oor:name=\"ShowTipOfTheDay\" oor:op=\"fuse\"><value>false</value></prop></item>\n"
     "</oor:items>\n";
 
+// A profile the office has set up once, kept per user: in a fresh one the office sets itself up
+// and asks for a restart, which costs every process a second start.
+QString profileTemplate()
+{
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return cache.isEmpty() ? QString() : cache + QStringLiteral("/vzyl/office-profile");
+}
+
+// A real folder (not a link) of this user.
+bool ownFolder(const QString &path)
+{
+    struct stat st;
+    return lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == getuid();
+}
+
+void copyFiles(const QString &from, const QString &to)
+{
+    QDirIterator it(from, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString target = to + file.mid(from.size());
+        QDir().mkpath(QFileInfo(target).path());
+        QFile::copy(file, target);
+    }
+}
+
+// Keeps the profile of an office that ended cleanly as the template, unless there is one.
+void keepProfileTemplate(const std::string &profile)
+{
+    const QString stored = profileTemplate();
+    struct stat st;
+    if (stored.isEmpty() || lstat(QFile::encodeName(stored).constData(), &st) == 0)
+        return;
+    const QString parent = QFileInfo(stored).path();
+    if (!QDir().mkpath(parent) || !ownFolder(parent))
+        return;
+    QFile::setPermissions(parent, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QByteArray pattern = QFile::encodeName(parent + QStringLiteral("/.profile-XXXXXX"));
+    if (!mkdtemp(pattern.data()))
+        return;
+    const QString fresh = QFile::decodeName(pattern);
+    copyFiles(QString::fromStdString(profile) + QStringLiteral("/user"), fresh + QStringLiteral("/user"));
+    // Another process may have kept one meanwhile.
+    if (rename(pattern.constData(), QFile::encodeName(stored).constData()) != 0)
+        QDir(fresh).removeRecursively();
+}
+
 // One private profile per process; the guardian removes it when the process ends.
 bool profileDir(std::string *dir, QString *error)
 {
@@ -90,8 +141,12 @@ bool profileDir(std::string *dir, QString *error)
     }
     const QString root = QFile::decodeName(pattern);
     QDir().mkpath(root + QStringLiteral("/user"));
+    const QString stored = profileTemplate();
+    if (!stored.isEmpty() && ownFolder(stored) && ownFolder(stored + QStringLiteral("/user")))
+        copyFiles(stored + QStringLiteral("/user"), root + QStringLiteral("/user"));
+    // Our settings replace whatever the template says.
     QFile settings(root + QStringLiteral("/user/registrymodifications.xcu"));
-    if (!settings.open(QIODevice::WriteOnly) || settings.write(kProfileSettings) < 0) {
+    if (!settings.open(QIODevice::WriteOnly | QIODevice::Truncate) || settings.write(kProfileSettings) < 0) {
         *error = QStringLiteral("cannot write the office profile settings");
         QDir(root).removeRecursively();
         return false;
@@ -492,7 +547,12 @@ void ZylOffice::shutdown()
             if (!m_reaped)
                 kill(m_pid, SIGKILL);
         }
-        waitForExit(std::chrono::seconds(10));
+        if (waitForExit(std::chrono::seconds(10)) == 0) {
+            std::string profile;
+            QString error;
+            if (profileDir(&profile, &error))
+                keepProfileTemplate(profile);
+        }
     }
     uno::Reference<lang::XComponent> local(m_localContext, uno::UNO_QUERY);
     if (local.is()) {
