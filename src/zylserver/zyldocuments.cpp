@@ -6,6 +6,7 @@
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
@@ -109,6 +110,11 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
                 component->dispose();
             return E_FAIL;
         }
+        // A document that records changes would record every cut and insertion as a change of
+        // its own: the cut pages would stay behind as deletions. Its earlier changes stay.
+        uno::Reference<beans::XPropertySet> settings(component, uno::UNO_QUERY);
+        if (settings.is())
+            settings->setPropertyValue(ou("RecordChanges"), uno::Any(false));
         m_session->add(textDocument);
         setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
         return S_OK;

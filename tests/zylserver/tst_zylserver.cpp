@@ -137,6 +137,8 @@ private slots:
     void appendDocument();
     void appendAfterCutThroughTable();
     void appendTextBoxInHeader_data();
+    void cutWhileRecordingChanges_data();
+    void cutWhileRecordingChanges();
     void appendTextBoxInHeader();
     void appendKeepsSourceLayout_data();
     void appendKeepsSourceLayout();
@@ -777,6 +779,35 @@ void tst_ZylServer::appendTextBoxInHeader()
     const QStringList texts = ZylTestDocuments::pageTexts(target);
     QCOMPARE(texts.size(), 2);
     QVERIFY2(texts[1].contains(QStringLiteral("source body")), qPrintable(texts[1]));
+}
+
+void tst_ZylServer::cutWhileRecordingChanges_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("docx") << QStringLiteral("docx");
+    QTest::newRow("zyl") << QStringLiteral("zyl");
+}
+
+void tst_ZylServer::cutWhileRecordingChanges()
+{
+    // A document that records changes kept its cut pages as tracked deletions.
+    QFETCH(QString, suffix);
+    QByteArray flat = ZylTestDocuments::flatDocument(textPages({"page one", "page two", "page three"}));
+    flat.replace("<office:text>", "<office:text><text:tracked-changes text:track-changes=\"true\"/>");
+    const QString flatPath = m_dir.filePath(QStringLiteral("recording.fodt"));
+    QFile file(flatPath);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(flat) == flat.size());
+    file.close();
+    const QString path = m_dir.filePath(QStringLiteral("recording.") + suffix);
+    QFile::remove(path);
+    QVERIFY(ZylTestDocuments::convert(flatPath, path));
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    QCOMPARE(A::deletePages(doc.get(), 1, 1), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList({"page two", "page three"}));
 }
 
 void tst_ZylServer::appendKeepsSourceLayout_data()
