@@ -20,6 +20,7 @@ private slots:
     void merge_data();
     void merge();
     void frozenOfficeFailsTheMerge();
+    void busyOfficeIsLeftAlone();
 
 private:
     struct Run {
@@ -225,6 +226,17 @@ void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
 
     const Run next = run({QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo}, 600000);
     QVERIFY2(next.exitCode == 0, qPrintable(next.err));
+}
+
+// An office that works on a long document for seconds is not taken for a frozen one, however
+// short the time allowed without work.
+void tst_DocMergeOffice::busyOfficeIsLeftAlone()
+{
+    qputenv("VZYL_HANG_TIMEOUT", "1");
+    const Run result = run({QStringLiteral("count"), m_corpus + QStringLiteral("/bug65649.docx")}, 600000);
+    qunsetenv("VZYL_HANG_TIMEOUT");
+    QVERIFY2(result.exitCode == 0, qPrintable(result.err));
+    QCOMPARE(result.out.section(QLatin1Char('\t'), 0, 0), QStringLiteral("180"));
 }
 
 QTEST_GUILESS_MAIN(tst_DocMergeOffice)
