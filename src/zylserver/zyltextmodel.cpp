@@ -590,149 +590,176 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     end = std::max<LONG>(0, std::min<LONG>(end, l.length + 1));
     if (start >= end || l.elements.empty())
         return S_OK;
-    const int last = int(l.elements.size()) - 1;
-    bool fromVirtualMark = start == 0;
-    int rs = fromVirtualMark ? 0 : int(start) - 1;
-    int re = int(end) - 1;
-
-    // How each end of the cut meets the body:
-    //  Mark     - on a paragraph's end mark (the cut starts by joining, or keeps that mark),
-    //  Boundary - where a paragraph or table begins, or inside a table (the table stays),
-    //  Text     - inside a paragraph's text,
-    //  BodyEnd  - at the end of the body.
-    enum Kind { Mark, Boundary, Text, BodyEnd };
-    const int startIndex = fromVirtualMark ? 0 : elementAt(l, rs);
-    if (startIndex < 0)
+    Cut cut;
+    cut.fromVirtualMark = start == 0;
+    cut.rs = cut.fromVirtualMark ? 0 : int(start) - 1;
+    cut.re = int(end) - 1;
+    if (!placeCutStart(l, cut))
         return S_OK;
-    const Element &se = l.elements[size_t(startIndex)];
-    Kind startKind = Text;
-    int firstWhole = startIndex; // first element that goes completely
-    int rowsFrom = -1;           // the cut begins at this row of the start table
-    if (fromVirtualMark) {
-        startKind = Mark;
-    } else if (se.isTable) {
-        startKind = Boundary;
-        firstWhole = rs == se.base ? startIndex : startIndex + 1;
-        if (rs > se.base)
-            rowsFrom = rs - se.base;
-    } else if (rs == se.base + se.length && startIndex < last) {
-        startKind = Mark;
-        firstWhole = startIndex + 1;
-    } else if (rs == se.base) {
-        startKind = Boundary;
-    } else {
-        firstWhole = startIndex + 1;
-    }
+    if (!placeCutEnd(l, cut))
+        return E_FAIL;
+    balanceCutEnds(l, cut);
 
-    Kind endKind = Text;
-    int endIndex = last;
-    int lastWhole = last - 1; // last element that goes completely
-    int rowsTo = -1;          // the cut ends before this row of the end table
-    if (re >= l.length) {
-        endKind = BodyEnd;
-    } else {
-        endIndex = elementAt(l, re);
-        if (endIndex < 0)
-            return E_FAIL;
-        const Element &ee = l.elements[size_t(endIndex)];
-        lastWhole = endIndex - 1;
-        if (ee.isTable) {
-            endKind = Boundary;
-            if (re > ee.base)
-                rowsTo = re - ee.base;
-        }
-        else if (re == ee.base + ee.length && endIndex < last)
-            endKind = Mark;
-        else if (re == ee.base)
-            endKind = Boundary;
-    }
-
-    // A cut that removes one end mark must keep another; where one end cannot, both ends move to
-    // whole elements, so no paragraph is joined to another and none is left empty.
-    if (startKind == Mark && endKind == Boundary) {
-        startKind = Boundary;
-        fromVirtualMark = false;
-        rs = l.elements[size_t(firstWhole)].base;
-    } else if (startKind == Boundary && endKind == Mark) {
-        endKind = Boundary;
-        lastWhole = endIndex;
-        ++endIndex;
-        re = l.elements[size_t(endIndex)].base;
-    } else if (startKind == Boundary && endKind == BodyEnd && rs == se.base && startIndex > 0
-               && !l.elements[size_t(startIndex - 1)].isTable) {
-        startKind = Mark;
-        rs = se.base - 1;
-    }
-
+    const int last = int(l.elements.size()) - 1;
     OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
-    touch(fromVirtualMark ? 0 : startIndex - 1, std::min(last, endIndex + 1));
-    if (startKind != Boundary && endKind != Boundary) {
-        deleteText(l, rs, re, fromVirtualMark, endKind == Mark ? endIndex + 1 : -1);
+    touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
+    if (cut.start != CutEnd::Boundary && cut.end != CutEnd::Boundary) {
+        deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
         return S_OK;
     }
 
     // The element after the cut keeps its own break and page style.
-    const int followerIndex = endKind == BodyEnd ? -1 : endIndex;
+    const int followerIndex = cut.end == CutEnd::BodyEnd ? -1 : cut.endIndex;
     BreakState follower;
     if (followerIndex >= 0)
         follower = breakStateOf(l.elements[size_t(followerIndex)]);
-
-    if (startKind == Text) {
-        uno::Reference<text::XTextCursor> from = cursorAt(l, rs);
-        uno::Reference<text::XTextCursor> to = cursorAt(l, se.base + se.length);
-        if (from.is() && to.is()) {
-            from->gotoRange(to->getStart(), true);
-            from->setString(rtl::OUString());
-        }
-    }
-    if (endKind == Text || endKind == BodyEnd) {
-        const Element &tail = l.elements[size_t(endIndex)];
-        uno::Reference<text::XTextCursor> from = cursorAt(l, tail.base);
-        uno::Reference<text::XTextCursor> to = cursorAt(l, std::min(re, l.length));
-        if (from.is() && to.is()) {
-            from->gotoRange(to->getStart(), true);
-            from->setString(rtl::OUString());
-        }
-    }
-    // Rows of a table that the cut goes through; heading rows stay with the rows that stay.
-    if (rowsFrom > 0 && startIndex == endIndex && rowsTo > rowsFrom) {
-        removeRows(l.elements[size_t(startIndex)], rowsFrom, rowsTo);
-    } else {
-        if (rowsFrom > 0)
-            removeRows(se, rowsFrom, se.rows);
-        if (rowsTo > 0)
-            removeRows(l.elements[size_t(endIndex)], headingRows(l.elements[size_t(endIndex)]), rowsTo);
-    }
-    for (int i = lastWhole; i >= firstWhole; --i) {
+    cutPartialEnds(l, cut);
+    cutTableRows(l, cut);
+    for (int i = cut.lastWhole; i >= cut.firstWhole; --i) {
         uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
         if (element.is())
             element->dispose();
     }
-    if (endKind == BodyEnd && firstWhole > 0) {
+    settleAfterCut(l, cut, followerIndex, follower);
+    return S_OK;
+}
+
+bool ZylTextModel::placeCutStart(const Layout &l, Cut &cut)
+{
+    const int last = int(l.elements.size()) - 1;
+    cut.startIndex = cut.fromVirtualMark ? 0 : elementAt(l, cut.rs);
+    if (cut.startIndex < 0)
+        return false;
+    const Element &se = l.elements[size_t(cut.startIndex)];
+    cut.firstWhole = cut.startIndex;
+    if (cut.fromVirtualMark) {
+        cut.start = CutEnd::Mark;
+    } else if (se.isTable) {
+        cut.start = CutEnd::Boundary;
+        cut.firstWhole = cut.rs == se.base ? cut.startIndex : cut.startIndex + 1;
+        if (cut.rs > se.base)
+            cut.rowsFrom = cut.rs - se.base;
+    } else if (cut.rs == se.base + se.length && cut.startIndex < last) {
+        cut.start = CutEnd::Mark;
+        cut.firstWhole = cut.startIndex + 1;
+    } else if (cut.rs == se.base) {
+        cut.start = CutEnd::Boundary;
+    } else {
+        cut.start = CutEnd::Text;
+        cut.firstWhole = cut.startIndex + 1;
+    }
+    return true;
+}
+
+bool ZylTextModel::placeCutEnd(const Layout &l, Cut &cut)
+{
+    const int last = int(l.elements.size()) - 1;
+    cut.endIndex = last;
+    cut.lastWhole = last - 1;
+    if (cut.re >= l.length) {
+        cut.end = CutEnd::BodyEnd;
+        return true;
+    }
+    cut.endIndex = elementAt(l, cut.re);
+    if (cut.endIndex < 0) {
+        qCWarning(lcZylServer) << "a cut ends outside the body:" << cut.re << "of" << l.length;
+        return false;
+    }
+    const Element &ee = l.elements[size_t(cut.endIndex)];
+    cut.lastWhole = cut.endIndex - 1;
+    cut.end = CutEnd::Text;
+    if (ee.isTable) {
+        cut.end = CutEnd::Boundary;
+        if (cut.re > ee.base)
+            cut.rowsTo = cut.re - ee.base;
+    } else if (cut.re == ee.base + ee.length && cut.endIndex < last) {
+        cut.end = CutEnd::Mark;
+    } else if (cut.re == ee.base) {
+        cut.end = CutEnd::Boundary;
+    }
+    return true;
+}
+
+void ZylTextModel::balanceCutEnds(const Layout &l, Cut &cut)
+{
+    // A cut that removes one end mark must keep another; where one end cannot, both ends move to
+    // whole elements, so no paragraph is joined to another and none is left empty.
+    const Element &se = l.elements[size_t(cut.startIndex)];
+    if (cut.start == CutEnd::Mark && cut.end == CutEnd::Boundary) {
+        cut.start = CutEnd::Boundary;
+        cut.fromVirtualMark = false;
+        cut.rs = l.elements[size_t(cut.firstWhole)].base;
+    } else if (cut.start == CutEnd::Boundary && cut.end == CutEnd::Mark) {
+        cut.end = CutEnd::Boundary;
+        cut.lastWhole = cut.endIndex;
+        ++cut.endIndex;
+        cut.re = l.elements[size_t(cut.endIndex)].base;
+    } else if (cut.start == CutEnd::Boundary && cut.end == CutEnd::BodyEnd && cut.rs == se.base && cut.startIndex > 0
+               && !l.elements[size_t(cut.startIndex - 1)].isTable) {
+        cut.start = CutEnd::Mark;
+        cut.rs = se.base - 1;
+    }
+}
+
+void ZylTextModel::cutPartialEnds(const Layout &l, const Cut &cut)
+{
+    const auto clear = [&](int from, int to) {
+        uno::Reference<text::XTextCursor> a = cursorAt(l, from);
+        uno::Reference<text::XTextCursor> b = cursorAt(l, to);
+        if (a.is() && b.is()) {
+            a->gotoRange(b->getStart(), true);
+            a->setString(rtl::OUString());
+        }
+    };
+    if (cut.start == CutEnd::Text) {
+        const Element &se = l.elements[size_t(cut.startIndex)];
+        clear(cut.rs, se.base + se.length);
+    }
+    if (cut.end == CutEnd::Text || cut.end == CutEnd::BodyEnd)
+        clear(l.elements[size_t(cut.endIndex)].base, std::min(cut.re, l.length));
+}
+
+void ZylTextModel::cutTableRows(const Layout &l, const Cut &cut)
+{
+    // Heading rows stay with the rows that stay.
+    if (cut.rowsFrom > 0 && cut.startIndex == cut.endIndex && cut.rowsTo > cut.rowsFrom) {
+        removeRows(l.elements[size_t(cut.startIndex)], cut.rowsFrom, cut.rowsTo);
+        return;
+    }
+    if (cut.rowsFrom > 0) {
+        const Element &se = l.elements[size_t(cut.startIndex)];
+        removeRows(se, cut.rowsFrom, se.rows);
+    }
+    if (cut.rowsTo > 0)
+        removeRows(l.elements[size_t(cut.endIndex)], headingRows(l.elements[size_t(cut.endIndex)]), cut.rowsTo);
+}
+
+void ZylTextModel::settleAfterCut(const Layout &l, const Cut &cut, int followerIndex, const BreakState &follower)
+{
+    if (cut.end == CutEnd::BodyEnd && cut.firstWhole > 0) {
         // The body's last paragraph cannot go; emptied, it must not start a page of its own.
-        uno::Reference<beans::XPropertySet> remnant(l.elements[size_t(endIndex)].content, uno::UNO_QUERY);
+        uno::Reference<beans::XPropertySet> remnant(l.elements[size_t(cut.endIndex)].content, uno::UNO_QUERY);
         if (remnant.is()) {
             remnant->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
             remnant->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
             // After a table that fills its last page it would take a page of its own.
-            if (l.elements[size_t(endIndex - 1)].isTable)
+            if (l.elements[size_t(cut.endIndex - 1)].isTable)
                 remnant->setPropertyValue(ou("CharHidden"), uno::Any(true));
         }
     }
     if (followerIndex >= 0)
         restoreBreak(l.elements[size_t(followerIndex)], follower);
-    if (rowsTo > 0 && rowsFrom <= 0 && rs > 0 && follower.valid && follower.breakType == style::BreakType_NONE
-        && follower.pageDesc.isEmpty()) {
+    if (cut.rowsTo > 0 && cut.rowsFrom <= 0 && cut.rs > 0 && follower.valid
+        && follower.breakType == style::BreakType_NONE && follower.pageDesc.isEmpty()) {
         // The rows that stay began a page; they still do, rather than run on after the page before.
-        uno::Reference<beans::XPropertySet> table(l.elements[size_t(endIndex)].content, uno::UNO_QUERY);
+        uno::Reference<beans::XPropertySet> table(l.elements[size_t(cut.endIndex)].content, uno::UNO_QUERY);
         rtl::OUString pageDesc;
         if (table.is())
             table->getPropertyValue(ou("PageDescName")) >>= pageDesc;
         if (table.is() && pageDesc.isEmpty())
             table->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
     }
-    return S_OK;
 }
 
 void ZylTextModel::deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex)

@@ -86,6 +86,28 @@ private:
         rtl::OUString layoutStyle; // page style the element is laid out with
     };
 
+    // How one end of a cut meets the body.
+    enum class CutEnd {
+        Mark,     // on a paragraph's end mark (the cut starts by joining, or keeps that mark)
+        Boundary, // where a paragraph or table begins, or inside a table (the table stays)
+        Text,     // inside a paragraph's text
+        BodyEnd   // at the end of the body
+    };
+    // A cut of the body in real points rs..re, and what it does to the elements it meets.
+    struct Cut {
+        int rs = 0;
+        int re = 0;
+        bool fromVirtualMark = false;
+        CutEnd start = CutEnd::Text;
+        CutEnd end = CutEnd::Text;
+        int startIndex = 0;
+        int endIndex = 0;
+        int firstWhole = 0; // elements firstWhole..lastWhole go completely
+        int lastWhole = 0;
+        int rowsFrom = -1; // the cut begins at this row of the start table
+        int rowsTo = -1;   // the cut ends before this row of the end table
+    };
+
     struct Changes;
     class ChangeListener;
     class OwnEdit;
@@ -115,6 +137,15 @@ private:
     int offsetOf(const Layout &l, const css::uno::Reference<css::text::XTextRange> &point, int *element);
     // A collapsed cursor at a real point inside a paragraph; null for a table slot.
     css::uno::Reference<css::text::XTextCursor> cursorAt(const Layout &l, int point);
+    // The steps of deleteRange(): where the cut starts and ends (false when it cannot be placed),
+    // the ends moved to whole elements where one end would join paragraphs, the partial ends cut,
+    // the table rows it goes through removed, and what stays after it settled.
+    bool placeCutStart(const Layout &l, Cut &cut);
+    bool placeCutEnd(const Layout &l, Cut &cut);
+    static void balanceCutEnds(const Layout &l, Cut &cut);
+    void cutPartialEnds(const Layout &l, const Cut &cut);
+    static void cutTableRows(const Layout &l, const Cut &cut);
+    void settleAfterCut(const Layout &l, const Cut &cut, int followerIndex, const BreakState &follower);
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
