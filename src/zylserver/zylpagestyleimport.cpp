@@ -30,6 +30,7 @@
 #include <com/sun/star/style/XStyle.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
+#include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
@@ -273,23 +274,28 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, cons
     return !renamed.empty();
 }
 
-// A shape with a text frame of its own. Inserting a prepared OpenDocument copy that holds one can
-// end the office (seen with one in a header); the Word format brings it in by another way.
-bool hasTextBoxes(const uno::Reference<uno::XInterface> &document)
+// A shape with a text frame of its own in a header or footer. Inserting a prepared OpenDocument
+// copy that holds one can end the office; the Word format brings it in by another way.
+bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
 {
     uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
     if (!supplier.is())
         return false;
+    const uno::Reference<uno::XInterface> body(document->getText(), uno::UNO_QUERY);
     const uno::Reference<drawing::XDrawPage> page = supplier->getDrawPage();
     for (sal_Int32 i = 0; i < page->getCount(); ++i) {
         uno::Reference<beans::XPropertySet> shape(page->getByIndex(i), uno::UNO_QUERY);
         bool textBox = false;
         try {
-            if (shape.is() && (shape->getPropertyValue(ou("TextBox")) >>= textBox) && textBox)
-                return true;
+            if (!shape.is() || !(shape->getPropertyValue(ou("TextBox")) >>= textBox) || !textBox)
+                continue;
         } catch (const uno::Exception &) {
-            // Not a shape that can have one.
+            continue; // not a shape that can have one
         }
+        uno::Reference<text::XTextContent> content(shape, uno::UNO_QUERY);
+        const uno::Reference<text::XTextRange> anchor = content.is() ? content->getAnchor() : nullptr;
+        if (!anchor.is() || uno::Reference<uno::XInterface>(anchor->getText(), uno::UNO_QUERY) != body)
+            return true;
     }
     return false;
 }
@@ -344,7 +350,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         ~Closer() { ZylSession::closeModel(model); }
     } closer{model};
 
-    if (hasTextBoxes(source)) {
+    if (hasTextBoxOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.
         m_path = storeCopy(source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
         m_url = m_path.isEmpty() ? QString() : QString::fromLatin1(QUrl::fromLocalFile(m_path).toEncoded());
