@@ -300,6 +300,11 @@ bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
     return false;
 }
 
+QString fileUrl(const QString &path)
+{
+    return QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+}
+
 // Stores the document under a fresh name in folder; empty when that failed.
 QString storeCopy(const uno::Reference<text::XTextDocument> &document, const QString &folder, const char *filter,
                   const QString &suffix)
@@ -309,7 +314,7 @@ QString storeCopy(const uno::Reference<text::XTextDocument> &document, const QSt
         file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.%3").arg(QCoreApplication::applicationPid()).arg(n).arg(suffix));
     uno::Reference<frame::XStorable> storable(document, uno::UNO_QUERY_THROW);
     const beans::PropertyValue filterName = property("FilterName", uno::Any(ou(filter)));
-    storable->storeToURL(toOUString(QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded())),
+    storable->storeToURL(toOUString(fileUrl(file)),
                          uno::Sequence<beans::PropertyValue>(&filterName, 1));
     return QFile::exists(file) ? file : QString();
 }
@@ -335,7 +340,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     const QString forced = ZylFilters::importFilterFor(path);
     if (!forced.isEmpty())
         props.push_back(property("FilterName", uno::Any(toOUString(forced))));
-    const QString url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+    const QString url = fileUrl(path);
     uno::Reference<lang::XComponent> component = desktop->loadComponentFromURL(
         toOUString(url), ou("_blank"), 0, uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
     uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
@@ -353,7 +358,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     if (hasTextBoxOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.
         m_path = storeCopy(source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
-        m_url = m_path.isEmpty() ? QString() : QString::fromLatin1(QUrl::fromLocalFile(m_path).toEncoded());
+        m_url = m_path.isEmpty() ? QString() : fileUrl(m_path);
         return !m_path.isEmpty();
     }
 
@@ -451,13 +456,13 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
     if (renamed.empty() && !paragraphStylesKept && !leadingTable.is()) {
         // Nothing to change: the document goes in as it is, starting its first page style.
-        m_url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+        m_url = fileUrl(path);
         return true;
     }
 
     m_path = storeCopy(source, folder, "writer8", QStringLiteral("odt"));
     if (m_path.isEmpty())
         return false;
-    m_url = QString::fromLatin1(QUrl::fromLocalFile(m_path).toEncoded());
+    m_url = fileUrl(m_path);
     return true;
 }
