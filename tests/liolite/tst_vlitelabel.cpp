@@ -28,9 +28,7 @@ class tst_VLiteLabel : public QObject
 private slots:
     void autoElide_data();
     void autoElide();
-    void autoElide_followsResize();
-    void autoElide_offShowsWholeText();
-    void autoElide_lowersMinimumWidth();
+    void autoElide_followsWidthAndSwitch();
     void autoElide_paintsElidedText();
 
     void clickableLabel_data();
@@ -91,29 +89,27 @@ void tst_VLiteLabel::autoElide()
     }
 }
 
-void tst_VLiteLabel::autoElide_followsResize()
+void tst_VLiteLabel::autoElide_followsWidthAndSwitch()
 {
+    // The subclass's mode is the one used.
     MiddleElidingLabel label(LongName);
-    label.setTextAutoElide(true);
+    const int fullMinimum = label.minimumSizeHint().width();
     label.resize(100, 22);
+    QCOMPARE(label.displayedText(), LongName);
+
+    label.setTextAutoElide(true);
+    QVERIFY(label.minimumSizeHint().width() < fullMinimum / 4);
     const QString narrow = label.displayedText();
     label.resize(220, 22);
     const QString wider = label.displayedText();
     QVERIFY(narrow.contains(QChar(0x2026)));
     QVERIFY(wider.contains(QChar(0x2026)));
     QVERIFY(wider.size() > narrow.size());
-    // The subclass's mode is the one used.
     QVERIFY(LongName.endsWith(narrow.section(QChar(0x2026), 1)));
     label.resize(QFontMetrics(label.font()).horizontalAdvance(LongName) + 10, 22);
     QCOMPARE(label.displayedText(), LongName);
-}
 
-void tst_VLiteLabel::autoElide_offShowsWholeText()
-{
-    VLiteLabel label(LongName);
     label.resize(80, 22);
-    QCOMPARE(label.displayedText(), LongName);
-    label.setTextAutoElide(true);
     QVERIFY(label.displayedText() != LongName);
     label.setTextAutoElide(false);
     QCOMPARE(label.displayedText(), LongName);
@@ -122,14 +118,6 @@ void tst_VLiteLabel::autoElide_offShowsWholeText()
     label.setTextAutoElide(true);
     label.setText(QStringLiteral("<b>") + LongName + QStringLiteral("</b>"));
     QCOMPARE(label.displayedText(), label.text());
-}
-
-void tst_VLiteLabel::autoElide_lowersMinimumWidth()
-{
-    VLiteLabel label(LongName);
-    const int full = label.minimumSizeHint().width();
-    label.setTextAutoElide(true);
-    QVERIFY(label.minimumSizeHint().width() < full / 4);
 }
 
 void tst_VLiteLabel::autoElide_paintsElidedText()
