@@ -63,15 +63,12 @@ private slots:
 
     void workFilePath_data();
     void workFilePath();
-    void workFilePathCountsOnPastGaps();
-    void workFilePathSeesFoldersAsTaken();
     void workFolderByKind_data();
     void workFolderByKind();
     void workCopyPath();
 
     void removeDirRecursively_data();
     void removeDirRecursively();
-    void removeDirRecursivelyKeepsLinkTargets();
     void removeDirRecursivelyMissing();
 
     void showInExplorerMissing_data();
@@ -169,6 +166,9 @@ void tst_VMEnv::workFilePath_data()
     QTest::newRow("other_suffix_does_not_collide") << QStringList{stem + ".doc"} << stem + ".docx";
     QTest::newRow("other_second_does_not_collide")
         << QStringList{QStringLiteral("Report_20240305091529.docx")} << stem + ".docx";
+    QTest::newRow("only_2_taken_plain_wins") << QStringList{stem + "(2).docx"} << stem + ".docx";
+    // A trailing slash makes a folder: it takes the name as a file would.
+    QTest::newRow("folder_takes_plain_name") << QStringList{stem + ".docx/"} << stem + "(1).docx";
 }
 
 void tst_VMEnv::workFilePath()
@@ -176,8 +176,12 @@ void tst_VMEnv::workFilePath()
     QFETCH(QStringList, existing);
     QFETCH(QString, expectedName);
 
-    for (const QString &name : existing)
-        touch(mergeDest() + '/' + name);
+    for (const QString &name : existing) {
+        if (name.endsWith('/'))
+            QVERIFY(QDir().mkpath(mergeDest() + '/' + name));
+        else
+            touch(mergeDest() + '/' + name);
+    }
 
     const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
     const QString path = VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at);
@@ -185,23 +189,6 @@ void tst_VMEnv::workFilePath()
     QVERIFY(!QFileInfo::exists(path));
     for (const QString &name : existing)
         QVERIFY2(QFileInfo::exists(mergeDest() + '/' + name), "an existing working file was touched");
-}
-
-void tst_VMEnv::workFilePathCountsOnPastGaps()
-{
-    // Only "(2)" exists: the plain name is free and wins.
-    const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
-    touch(mergeDest() + QStringLiteral("/Report_20240305091530(2).docx"));
-    QCOMPARE(VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at),
-             mergeDest() + QStringLiteral("/Report_20240305091530.docx"));
-}
-
-void tst_VMEnv::workFilePathSeesFoldersAsTaken()
-{
-    const QDateTime at(QDate(2024, 3, 5), QTime(9, 15, 30));
-    QVERIFY(QDir().mkpath(mergeDest() + QStringLiteral("/Report_20240305091530.docx")));
-    QCOMPARE(VMEnv::workFilePath(QStringLiteral("Report"), QStringLiteral("docx"), 2, at),
-             mergeDest() + QStringLiteral("/Report_20240305091530(1).docx"));
 }
 
 void tst_VMEnv::workFolderByKind_data()
@@ -247,19 +234,22 @@ void tst_VMEnv::removeDirRecursively_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QStringList>("folders");
+    QTest::addColumn<bool>("linkOut");
 
-    QTest::newRow("empty_folder") << QStringList() << QStringList();
-    QTest::newRow("flat_files") << QStringList{"a.docx", "b.doc"} << QStringList();
+    QTest::newRow("empty_folder") << QStringList() << QStringList() << false;
+    QTest::newRow("flat_files") << QStringList{"a.docx", "b.doc"} << QStringList() << false;
     QTest::newRow("nested_three_levels")
-        << QStringList{"a.docx", "x/b.doc", "x/y/c.zyl", "x/y/z/d.txt"} << QStringList{"x/y/z/empty"};
+        << QStringList{"a.docx", "x/b.doc", "x/y/c.zyl", "x/y/z/d.txt"} << QStringList{"x/y/z/empty"} << false;
     QTest::newRow("hidden_lock_file") << QStringList{"tempsplit/.~lock.a.docx#", "tempsplit/a.docx"}
-                                      << QStringList{".hidden"};
+                                      << QStringList{".hidden"} << false;
+    QTest::newRow("link_to_outside_folder") << QStringList{"a.docx"} << QStringList() << true;
 }
 
 void tst_VMEnv::removeDirRecursively()
 {
     QFETCH(QStringList, files);
     QFETCH(QStringList, folders);
+    QFETCH(bool, linkOut);
 
     QTemporaryDir base;
     QVERIFY(base.isValid());
@@ -269,27 +259,14 @@ void tst_VMEnv::removeDirRecursively()
         touch(root + '/' + f);
     for (const QString &d : folders)
         QVERIFY(QDir().mkpath(root + '/' + d));
-    const QString sibling = base.filePath(QStringLiteral("sibling.docx"));
+    const QString sibling = base.filePath(QStringLiteral("documents/sibling.docx"));
     touch(sibling);
+    if (linkOut)
+        QVERIFY(QFile::link(base.filePath(QStringLiteral("documents")), root + QStringLiteral("/link")));
 
     VMEnv::removeDirRecursively(root);
     QVERIFY(!QFileInfo::exists(root));
-    QVERIFY2(QFileInfo::exists(sibling), "removal went beyond the folder");
-}
-
-void tst_VMEnv::removeDirRecursivelyKeepsLinkTargets()
-{
-    QTemporaryDir base;
-    QVERIFY(base.isValid());
-    const QString outside = base.filePath(QStringLiteral("documents/keep.docx"));
-    touch(outside);
-    const QString root = base.filePath(QStringLiteral("victim"));
-    QVERIFY(QDir().mkpath(root));
-    QVERIFY(QFile::link(base.filePath(QStringLiteral("documents")), root + QStringLiteral("/link")));
-
-    VMEnv::removeDirRecursively(root);
-    QVERIFY(!QFileInfo::exists(root));
-    QVERIFY2(QFileInfo::exists(outside), "a linked folder's content was deleted");
+    QVERIFY2(QFileInfo::exists(sibling), "removal went beyond the folder or into a linked one");
 }
 
 void tst_VMEnv::removeDirRecursivelyMissing()
