@@ -81,8 +81,7 @@ private slots:
     void initializeAccepts();
     void initializeTwiceSubscribesTwice();
     void skinChangeRelayed();
-    void destroyForgetsContainerOnly();
-    void eventsAfterDestroyReachNothing();
+    void destroyForgetsContainerAndSilencesEvents();
     void tempRootRemovedWhenControllerDeleted();
     void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
@@ -211,41 +210,32 @@ void tst_CAppController::skinChangeRelayed()
     QVERIFY(Destroy());
 }
 
-void tst_CAppController::destroyForgetsContainerOnly()
+void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
 {
     FakeAppContainer app;
     FakeAppAccount account;
     app.setAccount(&account);
     FakeMainWindow window(&app);
     QVERIFY(Initialize(&app));
+    sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
+    QCOMPARE(app.events().size(), 1);
 
     QVERIFY(Destroy());
     CAppController *controller = CAppController::instance();
     QVERIFY(!controller->container());
     QVERIFY(!controller->account());
     QCOMPARE(controller->mainWindow(), &window);
-    QVERIFY(Destroy());
-}
 
-void tst_CAppController::eventsAfterDestroyReachNothing()
-{
-    FakeAppContainer app;
-    FakeMainWindow window(&app);
-    QVERIFY(Initialize(&app));
-    sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
-    QCOMPARE(app.events().size(), 1);
-
-    QVERIFY(Destroy());
     sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
     sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
     sendUsageEvent(QStringLiteral("vas_wordmerge_export"), {});
-
     QWidget host;
     QWidget *client = CreateClientWidget(&host);
     QVERIFY(client);
     host.show();
     QVERIFY(QTest::qWaitForWindowExposed(&host));
     QCOMPARE(app.events().size(), 1);
+    QVERIFY(Destroy());
 }
 
 void tst_CAppController::tempRootRemovedWhenControllerDeleted()
