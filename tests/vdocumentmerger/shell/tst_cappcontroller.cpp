@@ -79,8 +79,7 @@ private slots:
     void initializeRejects_data();
     void initializeRejects();
     void initializeAccepts();
-    void initializeTwiceSubscribesTwice();
-    void skinChangeRelayed();
+    void initializeTwiceSubscribesTwiceAndRelaysSkin();
     void destroyForgetsContainerAndSilencesEvents();
     void tempRootRemovedWhenControllerDeleted();
     void tempRootRemovedAtApplicationShutdown_data();
@@ -177,7 +176,7 @@ void tst_CAppController::initializeAccepts()
     QVERIFY(Destroy());
 }
 
-void tst_CAppController::initializeTwiceSubscribesTwice()
+void tst_CAppController::initializeTwiceSubscribesTwiceAndRelaysSkin()
 {
     FakeAppContainer first;
     FakeMainWindow firstWindow(&first);
@@ -190,22 +189,14 @@ void tst_CAppController::initializeTwiceSubscribesTwice()
     QCOMPARE(CAppController::instance()->mainWindow(), &secondWindow);
     QCOMPARE(first.subscriptions().size(), 1);
     QCOMPARE(second.subscriptions().size(), 1);
-    QVERIFY(Destroy());
-}
-
-void tst_CAppController::skinChangeRelayed()
-{
-    FakeAppContainer app;
-    FakeMainWindow window(&app);
-    QVERIFY(Initialize(&app));
 
     QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
     QVERIFY(spy.isValid());
-    QCOMPARE(app.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
+    QCOMPARE(second.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
     QCOMPARE(spy.count(), 1);
-    QCOMPARE(app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(second.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
     QCOMPARE(spy.count(), 2);
-    QCOMPARE(app.notify(QStringLiteral("SecondInstance"), QVariantMap()), 0);
+    QCOMPARE(second.notify(QStringLiteral("SecondInstance"), QVariantMap()), 0);
     QCOMPARE(spy.count(), 2);
     QVERIFY(Destroy());
 }
