@@ -132,17 +132,19 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         HRESULT hr = optionalInt(args, 0, kDoNotSaveChanges, &saveChanges);
         if (FAILED(hr))
             return hr;
-        return withDocument("Close", [&](ZylTextModel &) -> HRESULT {
+        return withDocument("Close", [&](ZylTextModel &model) -> HRESULT {
             if (saveChanges != kDoNotSaveChanges) {
-                const HRESULT saved = save();
+                const HRESULT saved = save(model);
                 if (FAILED(saved))
                     return saved;
             }
-            return m_session->close(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY));
+            const bool asSaved = m_saved && model.generation() == m_savedGeneration;
+            return m_session->close(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY),
+                                    asSaved ? m_path : QString());
         });
     }
     case Save:
-        return withDocument("Save", [&](ZylTextModel &) { return save(); });
+        return withDocument("Save", [&](ZylTextModel &model) { return save(model); });
     case SaveAs2: {
         QString path;
         HRESULT hr = toText(args[0], &path);
@@ -298,7 +300,7 @@ int ZylDocument::protection()
     return NoProtection;
 }
 
-HRESULT ZylDocument::save()
+HRESULT ZylDocument::save(ZylTextModel &model)
 {
     // Every document is loaded read-only and written through a file of its own; one that asks
     // to be read-only still is not saved in place.
@@ -312,6 +314,8 @@ HRESULT ZylDocument::save()
         uno::Reference<util::XModifiable> modifiable(m_document, uno::UNO_QUERY);
         if (modifiable.is())
             modifiable->setModified(false);
+        m_saved = true;
+        m_savedGeneration = model.generation();
     }
     return hr;
 }

@@ -34,7 +34,7 @@ private:
     // Runs work inside an office call, failing when the document is no longer open.
     HRESULT withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work);
     int protection();
-    HRESULT save();
+    HRESULT save(ZylTextModel &model);
     HRESULT saveAs(const QString &path, const QString &filter);
     HRESULT storeAtomically(const QString &target, const QString &filter, bool mayReplace);
     HRESULT undo(int count);
@@ -43,4 +43,7 @@ private:
     css::uno::Reference<css::text::XTextDocument> m_document;
     QString m_path;
     QString m_loadFilter;
+    // Whether save() wrote the document in place, and the text model's generation then.
+    bool m_saved = false;
+    unsigned long m_savedGeneration = 0;
 };

@@ -31,6 +31,7 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
+#include <com/sun/star/text/TextGridMode.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
@@ -155,7 +156,21 @@ const std::set<rtl::OUString> &pageStyleLinks()
 // footer texts, needs no copy of its own.
 bool samePageStyle(const uno::Reference<beans::XPropertySet> &a, const uno::Reference<beans::XPropertySet> &b)
 {
-    if (!sameProperties(a, b, pageStyleLinks()))
+    // A text grid that is off lays out nothing, and a save and load changes its values.
+    std::set<rtl::OUString> skipped = pageStyleLinks();
+    sal_Int16 gridA = -1, gridB = -1;
+    try {
+        a->getPropertyValue(ou("GridMode")) >>= gridA;
+        b->getPropertyValue(ou("GridMode")) >>= gridB;
+    } catch (const uno::Exception &) {
+    }
+    if (gridA == text::TextGridMode::NONE && gridB == text::TextGridMode::NONE) {
+        for (const beans::Property &p : a->getPropertySetInfo()->getProperties()) {
+            if (p.Name.startsWith("Grid"))
+                skipped.insert(p.Name);
+        }
+    }
+    if (!sameProperties(a, b, skipped))
         return false;
     for (const char *name : kHeaderFooterTexts) {
         try {
@@ -319,18 +334,11 @@ QString storeCopy(const uno::Reference<text::XTextDocument> &document, const QSt
     return QFile::exists(file) ? file : QString();
 }
 
-} // namespace
-
-bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop,
-                                 const uno::Reference<text::XTextDocument> &target, const QString &path,
-                                 const QString &folder)
+// The document at path, hidden and running no macros; null when the office cannot load it.
+uno::Reference<lang::XComponent> load(const uno::Reference<frame::XDesktop2> &desktop, const QString &path)
 {
-    m_url.clear();
-    m_path.clear();
-    m_firstStyle = rtl::OUString();
-    if (!desktop.is() || !target.is() || folder.isEmpty())
-        return false;
-
+    if (!desktop.is())
+        return nullptr;
     std::vector<beans::PropertyValue> props = {
         property("Hidden", uno::Any(true)),
         property("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
@@ -340,13 +348,27 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     const QString forced = ZylFilters::importFilterFor(path);
     if (!forced.isEmpty())
         props.push_back(property("FilterName", uno::Any(toOUString(forced))));
-    const QString url = fileUrl(path);
-    uno::Reference<lang::XComponent> component = desktop->loadComponentFromURL(
-        toOUString(url), ou("_blank"), 0, uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
+    return desktop->loadComponentFromURL(toOUString(fileUrl(path)), ou("_blank"), 0,
+                                         uno::Sequence<beans::PropertyValue>(props.data(), sal_Int32(props.size())));
+}
+
+} // namespace
+
+bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop,
+                                 const uno::Reference<text::XTextDocument> &target, const QString &path,
+                                 const QString &folder, const uno::Reference<frame::XModel> &loaded)
+{
+    m_url.clear();
+    m_path.clear();
+    m_firstStyle = rtl::OUString();
+    const uno::Reference<lang::XComponent> component = loaded.is() ? uno::Reference<lang::XComponent>(loaded, uno::UNO_QUERY)
+                                                                    : load(desktop, path);
     uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
     uno::Reference<text::XTextDocument> source(component, uno::UNO_QUERY);
-    if (!model.is() || !source.is()) {
-        if (component.is())
+    if (!model.is() || !source.is() || !target.is() || folder.isEmpty()) {
+        if (model.is())
+            ZylSession::closeModel(model);
+        else if (component.is())
             component->dispose();
         return false;
     }

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <com/sun/star/frame/XDesktop2.hpp>
+#include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
 
 class ZylPageStyleImport {
@@ -15,10 +16,12 @@ public:
     // Writes the prepared copy of the document at path into folder, unless the target has its
     // styles as they are: then the document itself is to be inserted, naming its first page style.
     // Returns false, and leaves nothing in folder, when the document cannot be prepared; the caller
-    // then inserts it as it is.
+    // then inserts it as it is. A document already loaded from path may be given as loaded;
+    // it is closed when done, like the one loaded here otherwise.
     bool prepare(const css::uno::Reference<css::frame::XDesktop2> &desktop,
                  const css::uno::Reference<css::text::XTextDocument> &target, const QString &path,
-                 const QString &folder);
+                 const QString &folder,
+                 const css::uno::Reference<css::frame::XModel> &loaded = css::uno::Reference<css::frame::XModel>());
 
     QString preparedUrl() const { return m_url; }
     // Empty when no copy was written.

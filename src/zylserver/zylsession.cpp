@@ -1,6 +1,9 @@
 #include "zylsession.h"
 
 #include <algorithm>
+#include <utility>
+
+#include <QFileInfo>
 
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/util/CloseVetoException.hpp>
@@ -21,12 +24,18 @@ ZylSession::~ZylSession()
 {
     // Documents left open by a client that never called "Quit" close with the session.
     std::vector<Open> left;
+    uno::Reference<frame::XModel> saved;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         left.swap(m_open);
+        saved = std::exchange(m_saved, Saved()).model;
     }
-    if (!left.empty() && m_office)
-        m_office->call("close on release", [&left] { return closeOpen(left); });
+    if ((!left.empty() || saved.is()) && m_office)
+        m_office->call("close on release", [&left, &saved] {
+            if (saved.is())
+                closeModel(saved);
+            return closeOpen(left);
+        });
     left.clear();
 }
 
@@ -46,9 +55,10 @@ std::shared_ptr<ZylTextModel> ZylSession::textModel(const uno::Reference<text::X
     return it == m_open.end() ? nullptr : it->text;
 }
 
-HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model)
+HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const QString &savedPath)
 {
     std::vector<Open> closing;
+    uno::Reference<frame::XModel> dropped = model;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         auto it = std::find_if(m_open.begin(), m_open.end(), [&](const Open &o) { return o.model == model; });
@@ -56,19 +66,43 @@ HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model)
             return E_FAIL;
         closing.push_back(std::move(*it));
         m_open.erase(it);
+        const QFileInfo file(savedPath);
+        if (!savedPath.isEmpty() && file.isFile())
+            dropped = std::exchange(m_saved, Saved{model, file.absoluteFilePath(), file.size(), file.lastModified()}).model;
     }
     closing.front().text->detach();
-    closeModel(model);
+    if (dropped.is())
+        closeModel(dropped);
     return S_OK;
+}
+
+uno::Reference<frame::XModel> ZylSession::takeSaved(const QString &path)
+{
+    Saved saved;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        saved = std::exchange(m_saved, Saved());
+    }
+    if (!saved.model.is())
+        return nullptr;
+    const QFileInfo file(path);
+    if (saved.path == file.absoluteFilePath() && file.size() == saved.size && file.lastModified() == saved.modified)
+        return saved.model;
+    closeModel(saved.model);
+    return nullptr;
 }
 
 HRESULT ZylSession::closeAll()
 {
     std::vector<Open> open;
+    uno::Reference<frame::XModel> saved;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         open.swap(m_open);
+        saved = std::exchange(m_saved, Saved()).model;
     }
+    if (saved.is())
+        closeModel(saved);
     return closeOpen(open);
 }
 

@@ -7,6 +7,9 @@
 #include <mutex>
 #include <vector>
 
+#include <QDateTime>
+#include <QString>
+
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
 
@@ -26,8 +29,12 @@ public:
     void add(const css::uno::Reference<css::text::XTextDocument> &document);
     // The open document's text model; null once it is closed.
     std::shared_ptr<ZylTextModel> textModel(const css::uno::Reference<css::text::XTextDocument> &document) const;
-    // Closes the document without saving; must run inside an office call.
-    HRESULT close(const css::uno::Reference<css::frame::XModel> &model);
+    // Closes the document without saving; must run inside an office call. A document that is
+    // just as it was saved at savedPath is kept loaded instead, for takeSaved().
+    HRESULT close(const css::uno::Reference<css::frame::XModel> &model, const QString &savedPath = QString());
+    // The document last closed as saved at path, while that file is as it was saved; null
+    // otherwise. The caller closes it; must run inside an office call. Spares inserting a freshly cut copy a load of its own.
+    css::uno::Reference<css::frame::XModel> takeSaved(const QString &path);
     // Closes every document of this session; must run inside an office call.
     HRESULT closeAll();
 
@@ -44,4 +51,11 @@ private:
     static HRESULT closeOpen(std::vector<Open> &open);
 
     std::vector<Open> m_open;
+    struct Saved {
+        css::uno::Reference<css::frame::XModel> model;
+        QString path;
+        qint64 size = -1;
+        QDateTime modified;
+    };
+    Saved m_saved;
 };

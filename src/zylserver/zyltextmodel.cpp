@@ -170,6 +170,12 @@ void ZylTextModel::invalidate()
     m_pagesAnchor = -1;
 }
 
+unsigned long ZylTextModel::generation()
+{
+    sync();
+    return m_generation;
+}
+
 void ZylTextModel::touch(int first, int last)
 {
     ++m_generation;

@@ -50,6 +50,8 @@ public:
 
     // Forgets everything read so far, for changes the model cannot follow (an undo).
     void invalidate();
+    // Moves on with every change to the document, whoever made it.
+    unsigned long generation();
 
     // Pages as the office prints them now: the blank pages it adds to give a page the parity its
     // number or style asks for are left out, as they are in its own PDF export.

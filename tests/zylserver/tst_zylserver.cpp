@@ -142,6 +142,8 @@ private slots:
     void appendTextBoxInHeader();
     void appendKeepsSourceLayout_data();
     void appendKeepsSourceLayout();
+    void appendTakesTheFileAsItIs_data();
+    void appendTakesTheFileAsItIs();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void undoRestoresPages();
@@ -894,6 +896,54 @@ void tst_ZylServer::appendKeepsSourceLayout()
     QVERIFY(ZylTestDocuments::readPages(target, &printed, &printedSizes));
     QCOMPARE(printedSizes, sizes);
     QCOMPARE(printed, QStringList{"target one"} + texts);
+}
+
+void tst_ZylServer::appendTakesTheFileAsItIs_data()
+{
+    QTest::addColumn<bool>("editedAfterSaving");
+    QTest::newRow("cut further after saving") << true;
+    QTest::newRow("file replaced after closing") << false;
+}
+
+void tst_ZylServer::appendTakesTheFileAsItIs()
+{
+    // A copy cut and saved here is appended as its file holds it, whatever became of the document
+    // after the save. Landscape pages make the source's layout come along with it.
+    QFETCH(bool, editedAfterSaving);
+    const auto landscape = [](const QStringList &texts) {
+        QVector<Page> pages;
+        for (const QString &t : texts)
+            pages.append(Page{t, Page::Landscape, 0});
+        return pages;
+    };
+    const QString source = pageDoc(QStringLiteral("land-three.docx"), landscape({"land one", "land two", "land three"}));
+    const QString other = pageDoc(QStringLiteral("land-other.docx"), landscape({"other one", "other two"}));
+    const QString target = m_dir.filePath(QStringLiteral("as-it-is-target.docx"));
+    const QString copy = m_dir.filePath(QStringLiteral("as-it-is-copy.docx"));
+    QFile::remove(target);
+    QFile::remove(copy);
+    QVERIFY(QFile::copy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), target));
+    QVERIFY(QFile::copy(source, copy));
+
+    ComPtr<IDispatch> cut;
+    QCOMPARE(A::open(m_app.get(), copy, &cut), S_OK);
+    QCOMPARE(A::deletePages(cut.get(), 1, 1), S_OK);
+    QCOMPARE(A::method(cut.get(), QStringLiteral("Save")), S_OK);
+    if (editedAfterSaving)
+        QCOMPARE(A::deletePages(cut.get(), 1, 1), S_OK);
+    QCOMPARE(A::method(cut.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QStringList expected{"land two", "land three"};
+    if (!editedAfterSaving) {
+        QVERIFY(QFile::remove(copy) && QFile::copy(other, copy));
+        expected = QStringList{"other one", "other two"};
+    }
+
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), copy), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + expected);
 }
 
 void tst_ZylServer::editsMatchFreshReading_data()
