@@ -397,7 +397,7 @@ bool ZylOffice::start(QString *error)
         } catch (const uno::Exception &e) {
             qCInfo(lcZylServer) << "office not ready yet:" << toQString(e.Message);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     *error = QStringLiteral("the office did not answer within 60 s");
     return false;
