@@ -82,7 +82,12 @@ ZylDocument::ZylDocument(std::shared_ptr<ZylSession> session, const uno::Referen
     , m_document(document)
     , m_path(path)
     , m_loadFilter(loadFilter)
+    , m_disk(ZylSession::DiskState::of(path))
 {
+    // Runs inside the office call that opened the document.
+    const std::shared_ptr<ZylTextModel> model = m_session->textModel(document);
+    if (model)
+        m_diskGeneration = model->generation();
 }
 
 ZylDocument::~ZylDocument()
@@ -138,9 +143,8 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
                 if (FAILED(saved))
                     return saved;
             }
-            const bool asSaved = m_saved && model.generation() == m_savedGeneration;
             return m_session->close(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY),
-                                    asSaved ? m_path : QString());
+                                    model.generation() == m_diskGeneration ? m_disk : ZylSession::DiskState());
         });
     }
     case Save:
@@ -314,8 +318,8 @@ HRESULT ZylDocument::save(ZylTextModel &model)
         uno::Reference<util::XModifiable> modifiable(m_document, uno::UNO_QUERY);
         if (modifiable.is())
             modifiable->setModified(false);
-        m_saved = true;
-        m_savedGeneration = model.generation();
+        m_disk = ZylSession::DiskState::of(m_path);
+        m_diskGeneration = model.generation();
     }
     return hr;
 }

@@ -7,8 +7,8 @@
 #include <com/sun/star/text/XTextDocument.hpp>
 
 #include "zyldispatch.h"
+#include "zylsession.h"
 
-class ZylSession;
 class ZylTextModel;
 
 class ZylDocument : public ZylDispatch {
@@ -43,7 +43,8 @@ private:
     css::uno::Reference<css::text::XTextDocument> m_document;
     QString m_path;
     QString m_loadFilter;
-    // Whether save() wrote the document in place, and the text model's generation then.
-    bool m_saved = false;
-    unsigned long m_savedGeneration = 0;
+    // The file as the document was last loaded from it or saved to it, and the text model's
+    // generation then.
+    ZylSession::DiskState m_disk;
+    unsigned long m_diskGeneration = 0;
 };

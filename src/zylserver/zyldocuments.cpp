@@ -82,8 +82,9 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
             props.push_back(property("FilterName", uno::Any(toOUString(forced))));
         const uno::Sequence<beans::PropertyValue> descriptor(props.data(), sal_Int32(props.size()));
 
-        uno::Reference<lang::XComponent> component = m_session->office().desktop()->loadComponentFromURL(
-            toOUString(url), ou("_blank"), 0, descriptor);
+        uno::Reference<lang::XComponent> component(m_session->takeUnchanged(absolute), uno::UNO_QUERY);
+        if (!component.is())
+            component = m_session->office().desktop()->loadComponentFromURL(toOUString(url), ou("_blank"), 0, descriptor);
         if (!component.is()) {
             qCInfo(lcZylServer) << "the office cannot open" << absolute;
             return E_FAIL;

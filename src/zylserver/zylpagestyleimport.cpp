@@ -214,33 +214,44 @@ void copyPageStyle(const uno::Reference<beans::XPropertySet> &from, const uno::R
 }
 
 
-// Paragraphs of a text, those in its tables' cells included.
-void collectParagraphs(const uno::Reference<container::XEnumerationAccess> &text,
-                       std::vector<uno::Reference<beans::XPropertySet>> *paragraphs)
+// The paragraphs and tables of a text, in order.
+std::vector<uno::Reference<beans::XPropertySet>> elementsOf(const uno::Reference<container::XEnumerationAccess> &text)
 {
+    std::vector<uno::Reference<beans::XPropertySet>> elements;
     uno::Reference<container::XEnumeration> items = text->createEnumeration();
     while (items->hasMoreElements()) {
-        uno::Reference<uno::XInterface> item(items->nextElement(), uno::UNO_QUERY);
-        uno::Reference<text::XTextTable> table(item, uno::UNO_QUERY);
-        if (table.is()) {
-            const uno::Sequence<rtl::OUString> cells = table->getCellNames();
-            for (const rtl::OUString &cell : cells) {
-                uno::Reference<container::XEnumerationAccess> cellText(table->getCellByName(cell), uno::UNO_QUERY);
-                if (cellText.is())
-                    collectParagraphs(cellText, paragraphs);
-            }
+        uno::Reference<beans::XPropertySet> element(items->nextElement(), uno::UNO_QUERY);
+        if (element.is())
+            elements.push_back(element);
+    }
+    return elements;
+}
+
+// Paragraphs among the elements of a text, those in its tables' cells included.
+void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &elements,
+                       std::vector<uno::Reference<beans::XPropertySet>> *paragraphs)
+{
+    for (const auto &element : elements) {
+        uno::Reference<text::XTextTable> table(element, uno::UNO_QUERY);
+        if (!table.is()) {
+            paragraphs->push_back(element);
             continue;
         }
-        uno::Reference<beans::XPropertySet> paragraph(item, uno::UNO_QUERY);
-        if (paragraph.is())
-            paragraphs->push_back(paragraph);
+        const uno::Sequence<rtl::OUString> cells = table->getCellNames();
+        for (const rtl::OUString &cell : cells) {
+            uno::Reference<container::XEnumerationAccess> cellText(table->getCellByName(cell), uno::UNO_QUERY);
+            if (cellText.is())
+                collectParagraphs(elementsOf(cellText), paragraphs);
+        }
     }
 }
 
 // A paragraph style of a name the target has too takes the target's definition on insertion, and
 // the text reflows. Each such style the body uses that the target defines otherwise is copied, with
 // every value it resolves to, under a name of its own. Returns whether any was.
-bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, const uno::Reference<text::XTextDocument> &target)
+bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
+                         const std::vector<uno::Reference<beans::XPropertySet>> &elements,
+                         const uno::Reference<text::XTextDocument> &target)
 {
     uno::Reference<style::XStyleFamiliesSupplier> sourceSupplier(source, uno::UNO_QUERY_THROW);
     uno::Reference<style::XStyleFamiliesSupplier> targetSupplier(target, uno::UNO_QUERY_THROW);
@@ -250,7 +261,7 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source, cons
         targetSupplier->getStyleFamilies()->getByName(ou("ParagraphStyles")), uno::UNO_QUERY_THROW);
     uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
     std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
-    collectParagraphs(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW), &paragraphs);
+    collectParagraphs(elements, &paragraphs);
     // Links to other styles and lists stay with the original.
     const std::set<rtl::OUString> links = {ou("FollowStyle"), ou("DisplayName"), ou("ParentStyle"),
                                            ou("ParaStyleConditions"), ou("NumberingStyleName"), ou("LinkStyle")};
@@ -376,6 +387,8 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
         uno::Reference<frame::XModel> model;
         ~Closer() { ZylSession::closeModel(model); }
     } closer{model};
+    // Every change to a document whose controllers are unlocked lays it out again.
+    model->lockControllers();
 
     if (hasTextBoxOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.
@@ -385,14 +398,8 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     }
 
     // The body's elements and the page styles they start, the first one's included.
-    std::vector<uno::Reference<beans::XPropertySet>> elements;
-    uno::Reference<container::XEnumerationAccess> access(source->getText(), uno::UNO_QUERY_THROW);
-    uno::Reference<container::XEnumeration> items = access->createEnumeration();
-    while (items->hasMoreElements()) {
-        uno::Reference<beans::XPropertySet> element(items->nextElement(), uno::UNO_QUERY);
-        if (element.is())
-            elements.push_back(element);
-    }
+    const std::vector<uno::Reference<beans::XPropertySet>> elements =
+        elementsOf(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW));
     if (elements.empty())
         return false;
     const uno::Reference<container::XNameContainer> sourceStyles = pageStyles(source);
@@ -470,7 +477,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
 
     bool paragraphStylesKept = false;
     try {
-        paragraphStylesKept = keepParagraphStyles(source, target);
+        paragraphStylesKept = keepParagraphStyles(source, elements, target);
     } catch (const uno::Exception &) {
         // The page layout comes along all the same.
     }

@@ -143,7 +143,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             bool prepared = false;
             try {
                 prepared = layout.prepare(m_session->office().desktop(), m_document, info.absoluteFilePath(),
-                                          ZylOffice::privateFolder(), m_session->takeSaved(info.absoluteFilePath()));
+                                          ZylOffice::privateFolder(), m_session->takeUnchanged(info.absoluteFilePath()));
             } catch (const uno::Exception &e) {
                 qCInfo(lcZylServer) << "inserting" << path << "without its page layout:"
                                     << QString::fromUtf16(reinterpret_cast<const char16_t *>(e.Message.getStr()),

@@ -24,16 +24,15 @@ ZylSession::~ZylSession()
 {
     // Documents left open by a client that never called "Quit" close with the session.
     std::vector<Open> left;
-    uno::Reference<frame::XModel> saved;
+    uno::Reference<frame::XModel> kept;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         left.swap(m_open);
-        saved = std::exchange(m_saved, Saved()).model;
+        kept = std::exchange(m_kept, Kept()).model;
     }
-    if ((!left.empty() || saved.is()) && m_office)
-        m_office->call("close on release", [&left, &saved] {
-            if (saved.is())
-                closeModel(saved);
+    if ((!left.empty() || kept.is()) && m_office)
+        m_office->call("close on release", [&left, &kept] {
+            closeQuietly(kept);
             return closeOpen(left);
         });
     left.clear();
@@ -55,7 +54,18 @@ std::shared_ptr<ZylTextModel> ZylSession::textModel(const uno::Reference<text::X
     return it == m_open.end() ? nullptr : it->text;
 }
 
-HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const QString &savedPath)
+ZylSession::DiskState ZylSession::DiskState::of(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.isFile() ? DiskState{file.absoluteFilePath(), file.size(), file.lastModified()} : DiskState();
+}
+
+bool ZylSession::DiskState::operator==(const DiskState &other) const
+{
+    return path == other.path && size == other.size && modified == other.modified;
+}
+
+HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const DiskState &asOnDisk)
 {
     std::vector<Open> closing;
     uno::Reference<frame::XModel> dropped = model;
@@ -66,9 +76,8 @@ HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const QStr
             return E_FAIL;
         closing.push_back(std::move(*it));
         m_open.erase(it);
-        const QFileInfo file(savedPath);
-        if (!savedPath.isEmpty() && file.isFile())
-            dropped = std::exchange(m_saved, Saved{model, file.absoluteFilePath(), file.size(), file.lastModified()}).model;
+        if (!asOnDisk.path.isEmpty() && asOnDisk == DiskState::of(asOnDisk.path))
+            dropped = std::exchange(m_kept, Kept{model, asOnDisk}).model;
     }
     closing.front().text->detach();
     if (dropped.is())
@@ -76,33 +85,31 @@ HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const QStr
     return S_OK;
 }
 
-uno::Reference<frame::XModel> ZylSession::takeSaved(const QString &path)
+uno::Reference<frame::XModel> ZylSession::takeUnchanged(const QString &path)
 {
-    Saved saved;
+    Kept kept;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        saved = std::exchange(m_saved, Saved());
+        kept = std::exchange(m_kept, Kept());
     }
-    if (!saved.model.is())
+    if (!kept.model.is())
         return nullptr;
-    const QFileInfo file(path);
-    if (saved.path == file.absoluteFilePath() && file.size() == saved.size && file.lastModified() == saved.modified)
-        return saved.model;
-    closeModel(saved.model);
+    if (kept.disk.path == QFileInfo(path).absoluteFilePath() && kept.disk == DiskState::of(path))
+        return kept.model;
+    closeQuietly(kept.model);
     return nullptr;
 }
 
 HRESULT ZylSession::closeAll()
 {
     std::vector<Open> open;
-    uno::Reference<frame::XModel> saved;
+    uno::Reference<frame::XModel> kept;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         open.swap(m_open);
-        saved = std::exchange(m_saved, Saved()).model;
+        kept = std::exchange(m_kept, Kept()).model;
     }
-    if (saved.is())
-        closeModel(saved);
+    closeQuietly(kept);
     return closeOpen(open);
 }
 
@@ -136,4 +143,14 @@ void ZylSession::closeModel(const uno::Reference<frame::XModel> &model)
     uno::Reference<lang::XComponent> component(model, uno::UNO_QUERY);
     if (component.is())
         component->dispose();
+}
+
+void ZylSession::closeQuietly(const uno::Reference<frame::XModel> &model)
+{
+    if (!model.is())
+        return;
+    try {
+        closeModel(model);
+    } catch (const uno::Exception &) {
+    }
 }

@@ -29,16 +29,28 @@ public:
     void add(const css::uno::Reference<css::text::XTextDocument> &document);
     // The open document's text model; null once it is closed.
     std::shared_ptr<ZylTextModel> textModel(const css::uno::Reference<css::text::XTextDocument> &document) const;
-    // Closes the document without saving; must run inside an office call. A document that is
-    // just as it was saved at savedPath is kept loaded instead, for takeSaved().
-    HRESULT close(const css::uno::Reference<css::frame::XModel> &model, const QString &savedPath = QString());
-    // The document last closed as saved at path, while that file is as it was saved; null
-    // otherwise. The caller closes it; must run inside an office call. Spares inserting a freshly cut copy a load of its own.
-    css::uno::Reference<css::frame::XModel> takeSaved(const QString &path);
+    // A file as it was when a document was loaded from it or saved to it.
+    struct DiskState {
+        QString path;
+        qint64 size = -1;
+        QDateTime modified;
+        static DiskState of(const QString &path);
+        bool operator==(const DiskState &other) const;
+    };
+
+    // Closes the document without saving; must run inside an office call. A document that holds
+    // just what its file does (asOnDisk) stays loaded instead, for takeUnchanged().
+    HRESULT close(const css::uno::Reference<css::frame::XModel> &model, const DiskState &asOnDisk);
+    // The document last closed as the file at path holds it, while the file is still as it was;
+    // null otherwise. The caller owns it; must run inside an office call. A merge opens the copy
+    // it has just cut, or inserts it, right after closing it: this spares a load of the file.
+    css::uno::Reference<css::frame::XModel> takeUnchanged(const QString &path);
     // Closes every document of this session; must run inside an office call.
     HRESULT closeAll();
 
     static void closeModel(const css::uno::Reference<css::frame::XModel> &model);
+    // Like closeModel(), for a document nobody waits for: an office that is gone is no failure.
+    static void closeQuietly(const css::uno::Reference<css::frame::XModel> &model);
 
 private:
     std::shared_ptr<ZylOffice> m_office;
@@ -51,11 +63,9 @@ private:
     static HRESULT closeOpen(std::vector<Open> &open);
 
     std::vector<Open> m_open;
-    struct Saved {
+    struct Kept {
         css::uno::Reference<css::frame::XModel> model;
-        QString path;
-        qint64 size = -1;
-        QDateTime modified;
+        DiskState disk;
     };
-    Saved m_saved;
+    Kept m_kept;
 };

@@ -907,8 +907,8 @@ void tst_ZylServer::appendTakesTheFileAsItIs_data()
 
 void tst_ZylServer::appendTakesTheFileAsItIs()
 {
-    // A copy cut and saved here is appended as its file holds it, whatever became of the document
-    // after the save. Landscape pages make the source's layout come along with it.
+    // A copy cut and saved here is opened and appended as its file holds it, whatever became of
+    // the document after the save. Landscape pages make the source's layout come along with it.
     QFETCH(bool, editedAfterSaving);
     const auto landscape = [](const QStringList &texts) {
         QVector<Page> pages;
@@ -917,7 +917,7 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
         return pages;
     };
     const QString source = pageDoc(QStringLiteral("land-three.docx"), landscape({"land one", "land two", "land three"}));
-    const QString other = pageDoc(QStringLiteral("land-other.docx"), landscape({"other one", "other two"}));
+    const QString other = pageDoc(QStringLiteral("land-other.docx"), landscape({"other one", "other two", "other three"}));
     const QString target = m_dir.filePath(QStringLiteral("as-it-is-target.docx"));
     const QString copy = m_dir.filePath(QStringLiteral("as-it-is-copy.docx"));
     QFile::remove(target);
@@ -935,8 +935,14 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
     QStringList expected{"land two", "land three"};
     if (!editedAfterSaving) {
         QVERIFY(QFile::remove(copy) && QFile::copy(other, copy));
-        expected = QStringList{"other one", "other two"};
+        expected = QStringList{"other one", "other two", "other three"};
     }
+    ComPtr<IDispatch> reopened;
+    QCOMPARE(A::open(m_app.get(), copy, &reopened), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(reopened.get(), &pages), S_OK);
+    QCOMPARE(pages, LONG(expected.size()));
+    QCOMPARE(A::method(reopened.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
 
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
