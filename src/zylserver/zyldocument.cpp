@@ -170,12 +170,8 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
         HRESULT hr = optionalInt(args, 0, 1, &count);
         if (FAILED(hr))
             return hr;
-        return withDocument("Undo", [&](ZylTextModel &model) {
-            const HRESULT undone = undo(int(count));
-            // An undo can change anything; the model reads the document afresh.
-            model.invalidate();
-            return undone;
-        });
+        // The text model learns of what an undo changed from the office, like any change not its own.
+        return withDocument("Undo", [&](ZylTextModel &) { return undo(int(count)); });
     }
     case GoTo: {
         LONG what = kGoToPage, which = kGoToAbsolute, page = 1;

@@ -27,7 +27,7 @@
 #include <com/sun/star/text/XTextRangeCompare.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
-#include <com/sun/star/util/XModifyBroadcaster.hpp>
+#include <com/sun/star/document/UndoManagerEvent.hpp>
 #include <cppuhelper/implbase1.hxx>
 
 #include "zyllog.h"
@@ -80,22 +80,34 @@ struct ZylTextModel::Changes {
     std::atomic<int> ownEdits{0};
 };
 
-// The office reports every change of the document; those that come while none of our edits runs
-// were made by someone else.
-class ZylTextModel::ChangeListener : public cppu::WeakImplHelper1<util::XModifyListener> {
+// The office reports every change of the document to its undo manager's listeners, also where
+// the document was loaded read-only and tells its modify listeners nothing; the changes that
+// come while none of our edits runs were made by someone else (an undo among them).
+class ZylTextModel::ChangeListener : public cppu::WeakImplHelper1<document::XUndoManagerListener> {
 public:
     explicit ChangeListener(std::shared_ptr<Changes> changes)
         : m_changes(std::move(changes))
     {
     }
-    void SAL_CALL modified(const lang::EventObject &) override
+    void SAL_CALL undoActionAdded(const document::UndoManagerEvent &) override { changed(); }
+    void SAL_CALL actionUndone(const document::UndoManagerEvent &) override { changed(); }
+    void SAL_CALL actionRedone(const document::UndoManagerEvent &) override { changed(); }
+    void SAL_CALL leftContext(const document::UndoManagerEvent &) override { changed(); }
+    void SAL_CALL leftHiddenContext(const document::UndoManagerEvent &) override { changed(); }
+    void SAL_CALL enteredContext(const document::UndoManagerEvent &) override {}
+    void SAL_CALL enteredHiddenContext(const document::UndoManagerEvent &) override {}
+    void SAL_CALL cancelledContext(const document::UndoManagerEvent &) override {}
+    void SAL_CALL allActionsCleared(const lang::EventObject &) override {}
+    void SAL_CALL redoActionsCleared(const lang::EventObject &) override {}
+    void SAL_CALL resetAll(const lang::EventObject &) override { changed(); }
+    void SAL_CALL disposing(const lang::EventObject &) override {}
+
+private:
+    void changed()
     {
         if (m_changes->ownEdits.load() == 0)
             ++m_changes->foreign;
     }
-    void SAL_CALL disposing(const lang::EventObject &) override {}
-
-private:
     std::shared_ptr<Changes> m_changes;
 };
 
@@ -125,21 +137,32 @@ ZylTextModel::ZylTextModel(const uno::Reference<text::XTextDocument> &document)
 
 ZylTextModel::~ZylTextModel() = default;
 
+namespace {
+
+uno::Reference<document::XUndoManager> undoManager(const uno::Reference<text::XTextDocument> &document)
+{
+    uno::Reference<document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
+    return supplier.is() ? supplier->getUndoManager() : nullptr;
+}
+
+} // namespace
+
 void ZylTextModel::attach()
 {
-    uno::Reference<util::XModifyBroadcaster> broadcaster(m_document, uno::UNO_QUERY);
-    if (!broadcaster.is() || m_listener.is())
+    const uno::Reference<document::XUndoManager> manager = undoManager(m_document);
+    if (!manager.is() || m_listener.is())
         return;
     m_listener = new ChangeListener(m_changes);
-    broadcaster->addModifyListener(m_listener);
+    manager->addUndoManagerListener(m_listener);
 }
 
 void ZylTextModel::detach()
 {
-    uno::Reference<util::XModifyBroadcaster> broadcaster(m_document, uno::UNO_QUERY);
-    if (broadcaster.is() && m_listener.is()) {
+    if (m_listener.is()) {
         try {
-            broadcaster->removeModifyListener(m_listener);
+            const uno::Reference<document::XUndoManager> manager = undoManager(m_document);
+            if (manager.is())
+                manager->removeUndoManagerListener(m_listener);
         } catch (const uno::RuntimeException &) {
             // Gone with the office; nothing listens any more.
         }

@@ -19,7 +19,7 @@
 // their positions, printed pages, page starts) is kept between calls and belongs to a generation:
 // each edit made here moves the generation on and marks where the document changed, so the next
 // read takes up only the elements and pages from there on; a change anyone else makes (the
-// office tells through its modify notification) or an undo drops everything.
+// office tells its undo manager's listeners), an undo among them, drops everything.
 #pragma once
 
 #include <memory>
@@ -32,7 +32,7 @@
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCursor.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
-#include <com/sun/star/util/XModifyListener.hpp>
+#include <com/sun/star/document/XUndoManagerListener.hpp>
 
 #include <vcomrt/com.h>
 
@@ -175,7 +175,7 @@ private:
     css::uno::Reference<css::text::XTextDocument> m_document;
     css::uno::Reference<css::text::XText> m_text;
     std::shared_ptr<Changes> m_changes;
-    css::uno::Reference<css::util::XModifyListener> m_listener;
+    css::uno::Reference<css::document::XUndoManagerListener> m_listener;
     unsigned m_seenForeign = 0;
     unsigned long m_generation = 0;
 

@@ -1012,7 +1012,8 @@ void tst_ZylServer::editsMatchFreshReading()
 void tst_ZylServer::undoRestoresPages()
 {
     // A merge takes back a page break that did not start exactly one page; what the server knew
-    // of the pages before it is what it answers again.
+    // of the pages before it is what it answers again. The office's undo is a change the server
+    // does not make itself: it learns of it as of anyone else's.
     const QString work = m_dir.filePath(QStringLiteral("work-undo.docx"));
     QFile::remove(work);
     QVERIFY(QFile::copy(pageDoc(QStringLiteral("step-plain.docx"), textPages({"one", "two", "three", "four", "five", "six"})), work));
