@@ -12,6 +12,10 @@ its whole process group is killed.
 
   nice -n 10 python3 bench/corpusrun.py FOLDER [--docmerge build/bin/docmerge] [--jobs 2]
                                         [--work DIR] [--limit N] [--minutes M] [--report FILE.tsv]
+                                        [--format source|docx|doc|zyl]
+
+The merged document is written in the source's own format (.odt sources as .zyl) unless
+--format names one: a format the source is not in adds the office's conversion to the merge.
 
 Prints a table (documents, counted, merged exactly, merged with differences, failed, hung,
 refused) and, for each failure, the document, the range and the reason.
@@ -288,7 +292,7 @@ class Runner:
         return counted, (pdf_pages(src_pdf, t) if os.path.exists(src_pdf) else None)
 
     def merge(self, path, ranges, work, tag):
-        out = os.path.join(work, "merged-%s.docx" % tag.replace("-", "_"))
+        out = os.path.join(work, "merged-%s.%s" % (tag.replace("-", "_"), self.output_format(path)))
         if os.path.exists(out):
             os.remove(out)
         argv = ["merge", "--json", "-o", out]
@@ -312,6 +316,14 @@ class Runner:
         if os.path.exists(out):
             reason += "; a failed merge left an output"
         return None, reason
+
+    def output_format(self, path):
+        """The merged document's format: the source's own unless one is forced. Saving in another
+        format is the office's conversion, whose differences are not the merge's."""
+        if self.args.format != "source":
+            return self.args.format
+        suffix = os.path.splitext(path)[1].lower()
+        return {".docx": "docx", ".doc": "doc"}.get(suffix, "zyl")
 
     def compare(self, source, output, ranges, res):
         expected = []  # (range, source page or None for the known page)
@@ -363,6 +375,8 @@ def main():
     parser.add_argument("--batch", type=int, default=12, help="sources counted and exported per office start")
     parser.add_argument("--work", default=None)
     parser.add_argument("--limit", type=int, default=0)
+    parser.add_argument("--format", default="source", choices=("source", "docx", "doc", "zyl"),
+                        help="format of the merged documents (default: the source's own)")
     parser.add_argument("--minutes", type=float, default=0, help="start no new batch after this time")
     parser.add_argument("--report", default=None, help="write one line per document here (TSV)")
     args = parser.parse_args()
