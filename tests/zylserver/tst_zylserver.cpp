@@ -44,11 +44,11 @@ QList<qint64> ourOffices()
     return found;
 }
 
-QVector<Page> textPages(const QStringList &texts)
+QVector<Page> textPages(const QStringList &texts, Page::Kind kind = Page::Text)
 {
     QVector<Page> pages;
     for (const QString &t : texts)
-        pages.append(Page{t, Page::Text, 0});
+        pages.append(Page{t, kind, 0});
     return pages;
 }
 
@@ -910,14 +910,8 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
     // A copy cut and saved here is opened and appended as its file holds it, whatever became of
     // the document after the save. Landscape pages make the source's layout come along with it.
     QFETCH(bool, editedAfterSaving);
-    const auto landscape = [](const QStringList &texts) {
-        QVector<Page> pages;
-        for (const QString &t : texts)
-            pages.append(Page{t, Page::Landscape, 0});
-        return pages;
-    };
-    const QString source = pageDoc(QStringLiteral("land-three.docx"), landscape({"land one", "land two", "land three"}));
-    const QString other = pageDoc(QStringLiteral("land-other.docx"), landscape({"other one", "other two", "other three"}));
+    const QString source = pageDoc(QStringLiteral("land-three.docx"), textPages({"land one", "land two", "land three"}, Page::Landscape));
+    const QString other = pageDoc(QStringLiteral("land-other.docx"), textPages({"other one", "other two", "other three"}, Page::Landscape));
     const QString target = m_dir.filePath(QStringLiteral("as-it-is-target.docx"));
     const QString copy = m_dir.filePath(QStringLiteral("as-it-is-copy.docx"));
     QFile::remove(target);
