@@ -300,6 +300,15 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
     return !renamed.empty();
 }
 
+// Pictures, shapes and objects do not always come along when a document is inserted as it is
+// (a .doc page holding only a picture arrived empty); a copy in the office's own format brings
+// them.
+bool hasDrawnObjects(const uno::Reference<text::XTextDocument> &document)
+{
+    uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
+    return supplier.is() && supplier->getDrawPage()->hasElements();
+}
+
 // A shape with a text frame of its own in a header or footer. Inserting a prepared OpenDocument
 // copy that holds one can end the office; the Word format brings it in by another way.
 bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
@@ -385,7 +394,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     }
     struct Closer {
         uno::Reference<frame::XModel> model;
-        ~Closer() { ZylSession::closeModel(model); }
+        ~Closer() { ZylSession::closeQuietly(model); }
     } closer{model};
     // Every change to a document whose controllers are unlocked lays it out again.
     model->lockControllers();
@@ -483,7 +492,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     }
     const auto firstRenamed = renamed.find(first);
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
-    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is()) {
+    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is() && !hasDrawnObjects(source)) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         return true;

@@ -80,8 +80,11 @@ HRESULT ZylSession::close(const uno::Reference<frame::XModel> &model, const Disk
             dropped = std::exchange(m_kept, Kept{model, asOnDisk}).model;
     }
     closing.front().text->detach();
-    if (dropped.is())
-        closeModel(dropped);
+    // The document kept before may be gone with an earlier office; that is no failure of this one.
+    if (dropped == model)
+        closeModel(model);
+    else
+        closeQuietly(dropped);
     return S_OK;
 }
 

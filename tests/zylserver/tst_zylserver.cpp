@@ -144,6 +144,7 @@ private slots:
     void appendKeepsSourceLayout();
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
+    void appendPictureOfLegacyDocument();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void undoRestoresPages();
@@ -158,6 +159,7 @@ private slots:
     void openingLeavesNoLockFile();
     void quitClosesOnlyOwnDocuments();
     void twoApplicationsOnTwoThreads();
+    void hungOfficeIsKilled_data();
     void hungOfficeIsKilled();
     void deadOfficeIsReplaced();
 
@@ -946,6 +948,24 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
     QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + expected);
 }
 
+void tst_ZylServer::appendPictureOfLegacyDocument()
+{
+    // A .doc page that holds only a picture, with nothing to rename, arrived empty when inserted
+    // as it was.
+    const QString target = m_dir.filePath(QStringLiteral("picture-target.docx"));
+    QFile::remove(target);
+    QVERIFY(QFile::copy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), target));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), target, &doc), S_OK);
+    QCOMPARE(A::appendDocument(doc.get(), QStringLiteral(ZYL_TEST_DATA "/equation.doc")), S_OK);
+    LONG pages = 0;
+    QCOMPARE(A::pageCount(doc.get(), &pages), S_OK);
+    QCOMPARE(pages, 2);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Save")), S_OK);
+    QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+    QCOMPARE(ZylTestDocuments::pdfPageCount(target), 2);
+}
+
 void tst_ZylServer::editsMatchFreshReading_data()
 {
     QTest::addColumn<QString>("name");
@@ -1261,11 +1281,29 @@ void tst_ZylServer::twoApplicationsOnTwoThreads()
     QCOMPARE(counts[1].load(), 3);
 }
 
+void tst_ZylServer::hungOfficeIsKilled_data()
+{
+    QTest::addColumn<bool>("inserting");
+    QTest::newRow("counting") << false;
+    // The server still holds the document just closed, to insert it without loading it again.
+    QTest::newRow("inserting a document just closed") << true;
+}
+
 void tst_ZylServer::hungOfficeIsKilled()
 {
+    QFETCH(bool, inserting);
     const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    const QString other = pageDoc(QStringLiteral("one.docx"), textPages({"target one"}));
     ComPtr<IDispatch> doc;
     QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    ComPtr<IDispatch> end;
+    if (inserting) {
+        ComPtr<IDispatch> closed;
+        QCOMPARE(A::open(m_app.get(), other, &closed), S_OK);
+        QCOMPARE(A::method(closed.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
+        QCOMPARE(A::methodObject(doc.get(), QStringLiteral("Range"), {}, &end), S_OK);
+        QCOMPARE(A::method(end.get(), QStringLiteral("Collapse"), {A::i4(0)}), S_OK);
+    }
     const QList<qint64> offices = ourOffices();
     QCOMPARE(offices.size(), 1);
     qputenv("VZYL_CALL_TIMEOUT", "5");
@@ -1275,10 +1313,13 @@ void tst_ZylServer::hungOfficeIsKilled()
     QElapsedTimer timer;
     timer.start();
     LONG pages = 0;
-    const HRESULT hr = A::pageCount(doc.get(), &pages);
+    // The process lives on to tell of the failure.
+    const HRESULT hr = inserting ? A::method(end.get(), QStringLiteral("InsertFile"), {A::text(other)})
+                                 : A::pageCount(doc.get(), &pages);
     QVERIFY(FAILED(hr));
     QVERIFY2(timer.elapsed() < 30000, "the stuck call was not cut short");
     QTRY_VERIFY_WITH_TIMEOUT(!ourOffices().contains(offices.first()), 15000);
+    end.reset();
     doc.reset();
     m_app.reset();
     m_app = newApplication();
