@@ -30,8 +30,8 @@
 #include <com/sun/star/style/XStyle.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
-#include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/TextGridMode.hpp>
+#include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
@@ -387,7 +387,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     uno::Reference<text::XTextDocument> source(component, uno::UNO_QUERY);
     if (!model.is() || !source.is() || !target.is() || folder.isEmpty()) {
         if (model.is())
-            ZylSession::closeModel(model);
+            ZylSession::closeQuietly(model);
         else if (component.is())
             component->dispose();
         return false;
