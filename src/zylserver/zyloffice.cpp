@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -165,6 +166,32 @@ bool profileDir(std::string *dir, QString *error)
 // How often a running call's office is looked at.
 const std::chrono::milliseconds kCpuSampleInterval(1000);
 
+// Once the application quits, a call still waiting on the office after this long is given up:
+// the user has left, and the exit must not wait for a frozen or slow office.
+const std::chrono::milliseconds kQuitGrace(3000);
+
+// Steady-clock milliseconds at which the application began to quit; 0 while it runs.
+std::atomic<long long> s_quitAt{0};
+
+long long steadyMs()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void watchForQuit()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        if (QCoreApplication *app = QCoreApplication::instance()) {
+            // Emitted on the main thread, which is where the flag is wanted first.
+            QObject::connect(app, &QCoreApplication::aboutToQuit, [] {
+                long long none = 0;
+                s_quitAt.compare_exchange_strong(none, steadyMs());
+            });
+        }
+    });
+}
+
 // User plus system time of the process in clock ticks, from /proc/<pid>/stat; -1 when unknown.
 long long cpuTicks(pid_t pid)
 {
@@ -234,6 +261,11 @@ std::shared_ptr<ZylOffice> ZylOffice::acquire(QString *error)
     static std::mutex mutex;
     static std::weak_ptr<ZylOffice> current;
     std::lock_guard<std::mutex> lock(mutex);
+    watchForQuit();
+    if (s_quitAt.load() != 0) {
+        *error = QStringLiteral("the application is quitting; no office is started");
+        return nullptr;
+    }
     if (std::shared_ptr<ZylOffice> office = current.lock()) {
         if (office->isAlive())
             return office;
@@ -514,13 +546,16 @@ void ZylOffice::watchdogLoop()
             lastProgress = now;
         }
         const bool frozen = now - lastProgress >= frozenLimit;
-        if (now < deadline && !frozen)
+        const long long quitAt = s_quitAt.load();
+        const bool leftBehind = quitAt != 0 && steadyMs() - quitAt >= kQuitGrace.count();
+        if (now < deadline && !frozen && !leftBehind)
             continue;
         m_callRunning = false; // tells the caller that its call was cut short
         m_dead = true;
         if (m_pid > 1 && !m_reaped) {
             qCWarning(lcZylServer) << "office" << m_pid
-                                   << (frozen ? "has used no processor time for a while" : "does not answer")
+                                   << (leftBehind ? "still works while the application quits"
+                                       : frozen ? "has used no processor time for a while" : "does not answer")
                                    << "; killing it";
             kill(m_pid, SIGKILL);
         }

@@ -3,8 +3,9 @@
 // Application objects share the running office; it ends when the last object that uses it is
 // released. Calls are serialised, and a watchdog kills the office when one call takes longer
 // than the call timeout (VZYL_CALL_TIMEOUT seconds, 120 by default), or when the office uses no
-// processor time for the hang timeout while a call waits on it (VZYL_HANG_TIMEOUT, 20 s). An office that died stays
-// dead: its calls fail, and the next acquire() starts a fresh one.
+// processor time for the hang timeout while a call waits on it (VZYL_HANG_TIMEOUT, 20 s). Once the
+// application quits, a call gets a few seconds more and no new office starts. An office that died
+// stays dead: its calls fail, and the next acquire() starts a fresh one.
 #pragma once
 
 #include <chrono>

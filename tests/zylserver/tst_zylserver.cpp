@@ -162,6 +162,8 @@ private slots:
     void hungOfficeIsKilled_data();
     void hungOfficeIsKilled();
     void deadOfficeIsReplaced();
+    // Leaves the server quitting: must stay the last test.
+    void quittingCutsWaitingCallsShort();
 
 private:
     QString makeDoc(const QString &name, const QVector<Page> &pages);
@@ -1354,6 +1356,32 @@ void tst_ZylServer::deadOfficeIsReplaced()
     QCOMPARE(A::method(fresh.get(), QStringLiteral("Quit")), S_OK);
     doc.reset();
     m_app = std::move(fresh);
+}
+
+void tst_ZylServer::quittingCutsWaitingCallsShort()
+{
+    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
+    ComPtr<IDispatch> doc;
+    QCOMPARE(A::open(m_app.get(), path, &doc), S_OK);
+    const QList<qint64> offices = ourOffices();
+    QCOMPARE(offices.size(), 1);
+    QVERIFY(offices.first() > 1);
+    // Frozen, the office would hold the call for the whole hang timeout.
+    QCOMPARE(::kill(pid_t(offices.first()), SIGSTOP), 0);
+    QVERIFY(QMetaObject::invokeMethod(QCoreApplication::instance(), "aboutToQuit"));
+    QElapsedTimer timer;
+    timer.start();
+    LONG pages = 0;
+    QVERIFY(FAILED(A::pageCount(doc.get(), &pages)));
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
+    QTRY_VERIFY_WITH_TIMEOUT(!ourOffices().contains(offices.first()), 15000);
+    doc.reset();
+    m_app.reset();
+    // Nothing starts an office for work that nobody waits for any more.
+    ComPtr<IDispatch> late = newApplication();
+    ComPtr<IDispatch> lateDoc;
+    QVERIFY(!late || FAILED(A::open(late.get(), path, &lateDoc)));
+    QVERIFY(ourOffices().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_ZylServer)
