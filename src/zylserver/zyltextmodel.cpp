@@ -989,8 +989,11 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     // ends with its own mark and what followed the insertion point starts a paragraph.
     const int contentEnd = point + (after.length - before.length);
     const int index = elementAt(after, contentEnd);
+    // Content that ends in a table has no mark of its own either: the paragraph after the table
+    // is the one inserted into, and taking a mark from it would take the table's last row.
+    const bool endsInTable = index > 0 && after.elements[size_t(index - 1)].isTable;
     if (index >= 0 && !after.elements[size_t(index)].isTable
-        && (after.elements[size_t(index)].base != contentEnd || !textArrived)) {
+        && (after.elements[size_t(index)].base != contentEnd || !textArrived || endsInTable)) {
         const Element &e = after.elements[size_t(index)];
         uno::Reference<text::XTextCursor> end = cursorAt(after, textArrived ? contentEnd : e.base + e.length);
         touch(index, index + 1);
