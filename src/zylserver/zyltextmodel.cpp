@@ -73,6 +73,23 @@ rtl::OUString pageStyleOf(const uno::Reference<uno::XInterface> &object)
     return name;
 }
 
+bool holdsCharacterPictures(const uno::Reference<text::XTextContent> &paragraph)
+{
+    uno::Reference<container::XEnumerationAccess> portions(paragraph, uno::UNO_QUERY);
+    if (!portions.is())
+        return false;
+    const uno::Reference<container::XEnumeration> e = portions->createEnumeration();
+    while (e->hasMoreElements()) {
+        uno::Reference<beans::XPropertySet> portion(e->nextElement(), uno::UNO_QUERY);
+        rtl::OUString type;
+        if (portion.is())
+            portion->getPropertyValue(ou("TextPortionType")) >>= type;
+        if (type == ou("Frame"))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 struct ZylTextModel::Changes {
@@ -453,7 +470,7 @@ int ZylTextModel::offsetOf(const Layout &l, const uno::Reference<text::XTextRang
     return e.base + measure(range->getStart(), point);
 }
 
-uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int point)
+uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int point, bool elementStart)
 {
     const int index = elementAt(l, point);
     if (index < 0 || l.elements[size_t(index)].isTable)
@@ -462,6 +479,8 @@ uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int po
     uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY_THROW);
     uno::Reference<text::XTextCursor> cursor = m_text->createTextCursorByRange(range->getStart());
     const int wanted = point - e.base;
+    if (wanted == 0 && elementStart)
+        return cursor;
     if (wanted == e.length) {
         cursor->gotoRange(range->getEnd(), false);
         return cursor;
@@ -734,7 +753,7 @@ void ZylTextModel::balanceCutEnds(const Layout &l, Cut &cut)
 void ZylTextModel::cutPartialEnds(const Layout &l, const Cut &cut)
 {
     const auto clear = [&](int from, int to) {
-        uno::Reference<text::XTextCursor> a = cursorAt(l, from);
+        uno::Reference<text::XTextCursor> a = cursorAt(l, from, true);
         uno::Reference<text::XTextCursor> b = cursorAt(l, to);
         if (a.is() && b.is()) {
             a->gotoRange(b->getStart(), true);
@@ -992,8 +1011,12 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     // Content that ends in a table has no mark of its own either: the paragraph after the table
     // is the one inserted into, and taking a mark from it would take the table's last row.
     const bool endsInTable = index > 0 && after.elements[size_t(index - 1)].isTable;
+    // Pictures anchored as characters take no points: a paragraph of only such pictures that
+    // seems to begin at the content's end may be the content's last one.
+    const bool endsInPictures = index >= 0 && after.elements[size_t(index)].length == 0
+        && holdsCharacterPictures(after.elements[size_t(index)].content);
     if (index >= 0 && !after.elements[size_t(index)].isTable
-        && (after.elements[size_t(index)].base != contentEnd || !textArrived || endsInTable)) {
+        && (after.elements[size_t(index)].base != contentEnd || !textArrived || endsInTable || endsInPictures)) {
         const Element &e = after.elements[size_t(index)];
         uno::Reference<text::XTextCursor> end = cursorAt(after, textArrived ? contentEnd : e.base + e.length);
         touch(index, index + 1);

@@ -137,8 +137,10 @@ private:
     static int elementAt(const Layout &l, int point);
     // Real offset of a point in the body text; -1 when it lies elsewhere.
     int offsetOf(const Layout &l, const css::uno::Reference<css::text::XTextRange> &point, int *element);
-    // A collapsed cursor at a real point inside a paragraph; null for a table slot.
-    css::uno::Reference<css::text::XTextCursor> cursorAt(const Layout &l, int point);
+    // A collapsed cursor at a real point inside a paragraph; null for a table slot. Pictures
+    // anchored as characters take no points: at a paragraph's first point, the cursor stands
+    // before them when elementStart is set, and after them where that point is also the end.
+    css::uno::Reference<css::text::XTextCursor> cursorAt(const Layout &l, int point, bool elementStart = false);
     // The steps of deleteRange(): where the cut starts and ends (false when it cannot be placed),
     // the ends moved to whole elements where one end would join paragraphs, the partial ends cut,
     // the table rows it goes through removed, and what stays after it settled.

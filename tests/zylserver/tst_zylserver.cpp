@@ -667,6 +667,8 @@ void tst_ZylServer::appendDocument_data()
     // Content that ends in a table lost the table's last row.
     QTest::newRow("doc_source_ending_in_table") << QStringLiteral("doc") << int(Page::TableStart);
     QTest::newRow("zyl_source_ending_in_table") << QStringLiteral("zyl") << int(Page::TableStart);
+    // A last paragraph of only a picture lost the picture.
+    QTest::newRow("docx_source_ending_in_picture") << QStringLiteral("docx") << int(Page::Image);
 }
 
 void tst_ZylServer::appendDocument()

@@ -302,6 +302,14 @@ bool ZylTestDocuments::readPages(const QString &path, QStringList *texts, QVecto
             texts->removeLast();
         for (QString &page : *texts)
             page = page.simplified();
+        // A picture that goes missing leaves the text as it was: it shows as a word of its own.
+        if (!run(QStringLiteral("pdfimages"), {QStringLiteral("-list"), pdf}, &out))
+            return false;
+        for (const QString &line : out.split(QLatin1Char('\n')).mid(2)) {
+            const int page = line.section(QLatin1Char(' '), 0, 0, QString::SectionSkipEmpty).toInt();
+            if (page >= 1 && page <= texts->size())
+                (*texts)[page - 1] = ((*texts)[page - 1] + QStringLiteral(" [picture]")).trimmed();
+        }
     }
     if (sizes) {
         if (!run(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("100000"), pdf}, &out))

@@ -37,7 +37,8 @@ public:
     // The flat OpenDocument text that makeDocument() converts.
     static QByteArray flatDocument(const QVector<Page> &pages);
 
-    // Text of every page as the office prints it, whitespace simplified; empty on failure.
+    // Text of every page as the office prints it, whitespace simplified, with "[picture]" for each
+    // picture on it; empty on failure.
     static QStringList pageTexts(const QString &path, QString *error = nullptr);
     // Pages of the office's PDF export; -1 on failure.
     static int pdfPageCount(const QString &path, QString *error = nullptr);
