@@ -185,17 +185,8 @@ HRESULT FakeZylObject::Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags, DI
 
 QString FakeZylObject::objectName() const
 {
-    switch (m_kind) {
-    case Kind::Application:
-        return QStringLiteral("Application");
-    case Kind::Documents:
-        return QStringLiteral("Documents");
-    case Kind::Document:
-        return QStringLiteral("Document");
-    case Kind::Range:
-        return QStringLiteral("Range");
-    }
-    return QString();
+    static const char *const names[] = {"Application", "Documents", "Document", "Range"};
+    return QLatin1String(names[int(m_kind)]);
 }
 
 HRESULT FakeZylObject::returnObject(FakeZylObject *object, VARIANT *result)
