@@ -78,7 +78,6 @@ private slots:
     void exportsResolveByPlainName();
     void initializeRejects_data();
     void initializeRejects();
-    void initializeAccepts();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
     void destroyForgetsContainerAndSilencesEvents();
     void tempRootRemovedWhenControllerDeleted();
@@ -157,40 +156,27 @@ void tst_CAppController::initializeRejects()
     QVERIFY(Destroy());
 }
 
-void tst_CAppController::initializeAccepts()
-{
-    FakeAppContainer app;
-    FakeAppAccount account;
-    app.setAccount(&account);
-    FakeMainWindow window(&app);
-
-    QVERIFY(Initialize(&app));
-    CAppController *controller = CAppController::instance();
-    QCOMPARE(controller->container(), &app);
-    QCOMPARE(controller->mainWindow(), &window);
-    QCOMPARE(controller->account(), &account);
-    QCOMPARE(app.subscriptions().size(), 1);
-    QCOMPARE(app.subscriptions().at(0).notification, QStringLiteral("SkinChanged"));
-    QCOMPARE(app.subscriptions().at(0).receiver.data(), controller);
-    QCOMPARE(app.subscriptions().at(0).slot, QByteArray("onSkinChanged"));
-    QVERIFY(Destroy());
-}
-
 void tst_CAppController::initializeTwiceSubscribesTwiceAndRelaysSkin()
 {
     FakeAppContainer first;
     FakeMainWindow firstWindow(&first);
     FakeAppContainer second;
+    FakeAppAccount account;
+    second.setAccount(&account);
     FakeMainWindow secondWindow(&second);
 
     QVERIFY(Initialize(&first));
     QVERIFY(Initialize(&second));
-    QCOMPARE(CAppController::instance()->container(), &second);
-    QCOMPARE(CAppController::instance()->mainWindow(), &secondWindow);
+    CAppController *controller = CAppController::instance();
+    QCOMPARE(controller->container(), &second);
+    QCOMPARE(controller->mainWindow(), &secondWindow);
+    QCOMPARE(controller->account(), &account);
     QCOMPARE(first.subscriptions().size(), 1);
     QCOMPARE(second.subscriptions().size(), 1);
+    QCOMPARE(second.subscriptions().at(0).notification, QStringLiteral("SkinChanged"));
+    QCOMPARE(second.subscriptions().at(0).receiver.data(), controller);
 
-    QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
+    QSignalSpy spy(controller, &CAppController::sigSkinChanged);
     QVERIFY(spy.isValid());
     QCOMPARE(second.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
     QCOMPARE(spy.count(), 1);
