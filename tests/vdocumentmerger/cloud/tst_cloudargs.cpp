@@ -1,7 +1,5 @@
 #include <QtTest>
 
-#include <sstream>
-
 #include <thrift/protocol/TBinaryProtocol.h>
 #include <thrift/protocol/TProtocolException.h>
 #include <thrift/transport/TBufferTransports.h>
@@ -132,26 +130,10 @@ class tst_CloudArgs : public QObject {
     Q_OBJECT
 
 private slots:
-    void defaultsPrint();
     void roundTrip();
     void readHandWritten_data();
     void readHandWritten();
-    void deepNestingFails();
 };
-
-void tst_CloudArgs::defaultsPrint()
-{
-    std::ostringstream upload;
-    UploadFilesToCloudArg().printTo(upload);
-    QCOMPARE(QString::fromStdString(upload.str()),
-             "UploadFilesToCloudArg(userId=, cloudPath=, srcFiles=[], createWhenNoExists=1, userData=, "
-             "uploadFrom=, extraParam={})");
-
-    OpenVirtualCloudDiskArg open;
-    QVERIFY(open.createWhenNoExists);
-    QVERIFY(!open.__isset.entryIdentifier);
-    QVERIFY(!open.__isset.extraParam);
-}
 
 void tst_CloudArgs::roundTrip()
 {
@@ -219,22 +201,6 @@ void tst_CloudArgs::readHandWritten()
     QCOMPARE(readAs(record, handWritten(record, dropId, retypeId), &readIsset), error);
     if (error < 0)
         QCOMPARE(readIsset, isset);
-}
-
-void tst_CloudArgs::deepNestingFails()
-{
-    // An unknown field holding lists nested past the protocol's limit.
-    auto buffer = std::make_shared<TMemoryBuffer>();
-    TBinaryProtocol out(buffer);
-    out.writeStructBegin("UploadFilesToCloudArg");
-    out.writeFieldBegin("deep", apache::thrift::protocol::T_LIST, 99);
-    for (int i = 0; i < 200; ++i)
-        out.writeListBegin(apache::thrift::protocol::T_LIST, 1);
-    const std::string bytes = buffer->getBufferAsString();
-
-    QString isset;
-    QCOMPARE(readAs("UploadFilesToCloudArg", QByteArray(bytes.data(), int(bytes.size())), &isset),
-             int(TProtocolException::DEPTH_LIMIT));
 }
 
 QTEST_APPLESS_MAIN(tst_CloudArgs)
