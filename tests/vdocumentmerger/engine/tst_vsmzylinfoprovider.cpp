@@ -108,13 +108,10 @@ void tst_VSMZylInfoProvider::countsInListOrder_data()
     QTest::addColumn<bool>("secondExists");
     QTest::addColumn<QStringList>("expected");
 
-    const QStringList secondFails{QStringLiteral("a.docx ok 2"), QStringLiteral("b.doc fail 0"),
-                                  QStringLiteral("c.zyl ok 4"),
-                                  QStringLiteral("finished true [a.docx,b.doc,c.zyl]")};
+    const QStringList secondFails{"a.docx ok 2", "b.doc fail 0", "c.zyl ok 4", "finished true [a.docx,b.doc,c.zyl]"};
     QTest::newRow("all_counted") << QString() << 0 << true
-                                 << QStringList{QStringLiteral("a.docx ok 2"), QStringLiteral("b.doc ok 1"),
-                                                QStringLiteral("c.zyl ok 4"),
-                                                QStringLiteral("finished true [a.docx,b.doc,c.zyl]")};
+                                 << QStringList{"a.docx ok 2", "b.doc ok 1", "c.zyl ok 4",
+                                                "finished true [a.docx,b.doc,c.zyl]"};
     QTest::newRow("second_missing") << QString() << 0 << false << secondFails;
     QTest::newRow("second_fails_to_open") << QStringLiteral("Open") << 2 << true << secondFails;
     QTest::newRow("second_fails_to_count") << QStringLiteral("ComputeStatistics") << 2 << true << secondFails;
@@ -181,7 +178,7 @@ void tst_VSMZylInfoProvider::serverCannotBeCreated()
     provider.start(files);
     QTRY_VERIFY(!provider.worker());
     QCoreApplication::processEvents();
-    QCOMPARE(log.entries(), QStringList{QStringLiteral("finished false [a.docx,b.docx]")});
+    QCOMPARE(log.entries(), (QStringList{"finished false [a.docx,b.docx]"}));
     QVERIFY(FakeZylServer::journal().isEmpty());
 }
 
@@ -205,7 +202,7 @@ void tst_VSMZylInfoProvider::cancelRightAfterStartAndAgain()
         QCOMPARE(settled.last(), QStringLiteral("finished true [a.docx,b.docx,a.docx]"));
         settled.removeLast();
         settled.sort(); // the reported map decides the order
-        QCOMPARE(settled, QStringList({QStringLiteral("a.docx fail 0"), QStringLiteral("b.docx fail 0")}));
+        QCOMPARE(settled, (QStringList{"a.docx fail 0", "b.docx fail 0"}));
     }
 
     // The worker still starts and quits the server, but nothing more reaches the page.
@@ -214,7 +211,7 @@ void tst_VSMZylInfoProvider::cancelRightAfterStartAndAgain()
     QTRY_VERIFY(!provider.worker());
     QCoreApplication::processEvents();
     QCOMPARE(log.entries().size(), 6);
-    QCOMPARE(FakeZylServer::journal(), QStringList{QStringLiteral("call Application.Quit()")});
+    QCOMPARE(FakeZylServer::journal(), QStringList{"call Application.Quit()"});
 }
 
 void tst_VSMZylInfoProvider::cancelMidwayReportsTheRest()
@@ -227,7 +224,7 @@ void tst_VSMZylInfoProvider::cancelMidwayReportsTheRest()
     ProviderLog log(&provider);
     provider.start(files);
     QVERIFY(FakeZylServer::waitUntilBlocked(10000));
-    QTRY_COMPARE(log.entries(), QStringList{QStringLiteral("a.docx ok 2")});
+    QTRY_COMPARE(log.entries(), QStringList{"a.docx ok 2"});
 
     provider.cancel();
     QStringList entries = log.entries();
@@ -235,7 +232,7 @@ void tst_VSMZylInfoProvider::cancelMidwayReportsTheRest()
     QCOMPARE(entries.takeFirst(), QStringLiteral("a.docx ok 2"));
     QCOMPARE(entries.takeLast(), QStringLiteral("finished true [a.docx,b.docx,c.docx]"));
     entries.sort();
-    QCOMPARE(entries, QStringList({QStringLiteral("b.docx fail 0"), QStringLiteral("c.docx fail 0")}));
+    QCOMPARE(entries, (QStringList{"b.docx fail 0", "c.docx fail 0"}));
 
     // The file being counted when the cancel came is dropped, the third is never opened.
     FakeZylServer::release();
@@ -254,9 +251,8 @@ void tst_VSMZylInfoProvider::duplicatePathsAreEachCounted()
     ProviderLog log(&provider);
     provider.start({a, b, a});
     QTRY_COMPARE(log.entries().size(), 4);
-    QCOMPARE(log.entries(), QStringList({QStringLiteral("a.docx ok 2"), QStringLiteral("b.docx ok 1"),
-                                         QStringLiteral("a.docx ok 2"),
-                                         QStringLiteral("finished true [a.docx,b.docx,a.docx]")}));
+    QCOMPARE(log.entries(), (QStringList{"a.docx ok 2", "b.docx ok 1", "a.docx ok 2",
+                                         "finished true [a.docx,b.docx,a.docx]"}));
     QTRY_VERIFY(!provider.worker());
 }
 
@@ -272,10 +268,10 @@ void tst_VSMZylInfoProvider::secondStartKeepsTheFirstRunning()
     QVERIFY(FakeZylServer::waitUntilBlocked(10000));
     provider.start({b});
     QTRY_COMPARE(log.entries().size(), 2);
-    QCOMPARE(log.entries(), QStringList({QStringLiteral("b.docx ok 3"), QStringLiteral("finished true [b.docx]")}));
+    QCOMPARE(log.entries(), (QStringList{"b.docx ok 3", "finished true [b.docx]"}));
     FakeZylServer::release();
     QTRY_COMPARE(log.entries().size(), 4);
-    QCOMPARE(log.entries().mid(2), QStringList({QStringLiteral("a.docx ok 2"), QStringLiteral("finished true [a.docx]")}));
+    QCOMPARE(log.entries().mid(2), (QStringList{"a.docx ok 2", "finished true [a.docx]"}));
     QCOMPARE(FakeZylServer::applicationsCreated(), 2);
 }
 
