@@ -80,7 +80,6 @@ private slots:
     void initializeRejects();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
     void destroyForgetsContainerAndSilencesEvents();
-    void tempRootRemovedWhenControllerDeleted();
     void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
 };
@@ -213,29 +212,6 @@ void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
     QVERIFY(QTest::qWaitForWindowExposed(&host));
     QCOMPARE(app.events().size(), 1);
     QVERIFY(Destroy());
-}
-
-void tst_CAppController::tempRootRemovedWhenControllerDeleted()
-{
-    CAppController *controller = CAppController::instance();
-    QVERIFY(controller);
-    const QString nested = VMEnv::workFilePath(QStringLiteral("a"), QStringLiteral("docx"), 1);
-    QFile file(nested);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
-    QVERIFY(QDir().mkpath(VMEnv::tempRoot() + QStringLiteral("/misc/deeper/still")));
-    VMEnv::instance()->setOutputName(QStringLiteral("kept until shutdown"));
-    QVERIFY(QFileInfo(VMEnv::tempRoot()).isDir());
-
-    delete controller;
-    QVERIFY(!QFileInfo::exists(VMEnv::tempRoot()));
-    QVERIFY(!appController());
-    QVERIFY(VMEnv::instance()->outputName().isEmpty());
-    VMEnv::releaseInstance();
-
-    // A later call starts a fresh controller under the application object.
-    QVERIFY(CAppController::instance());
-    QCOMPARE(CAppController::instance()->parent(), QCoreApplication::instance());
 }
 
 void tst_CAppController::tempRootRemovedAtApplicationShutdown_data()

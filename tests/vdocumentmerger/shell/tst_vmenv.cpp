@@ -290,7 +290,7 @@ void tst_VMEnv::showInExplorer()
     QVERIFY(VMEnv::showInExplorer(path));
     if (fileManager) {
         QTRY_COMPARE(m_fileManager.calls.size(), 1);
-        QCOMPARE(m_fileManager.calls.at(0).method, folder ? QStringLiteral("ShowFolders") : QStringLiteral("ShowItems"));
+        QCOMPARE(m_fileManager.calls.at(0).method, QLatin1String(folder ? "ShowFolders" : "ShowItems"));
         QCOMPARE(m_fileManager.calls.at(0).uris, QStringList{QUrl::fromLocalFile(path).toString()});
     } else {
         // Nobody owns the file-manager name on this bus (or there is no bus at all).
