@@ -2,12 +2,9 @@
 
 #include "cloud/vmcloudhelper.h"
 #include "cloudargs_types.h"
-#include "fakeappaccount.h"
-#include "fakeappcontainer.h"
 #include "fakemainwindow.h"
 #include "host/daloipc.h"
 #include "shell/cappcontroller.h"
-#include "shell/pluginexports.h"
 
 using namespace zyl::dalo;
 
@@ -75,40 +72,26 @@ class tst_VMCloudHelper : public QObject {
 
 private slots:
     void init();
-    void cleanup();
     void nothingSentWhenSignedOut();
-    void uploadRecord_data();
-    void uploadRecord();
-    void openRecord_data();
-    void openRecord();
+    void requestRecords();
     void uploadAndOpenReplies_data();
     void uploadAndOpenReplies();
     void cachePathReplies();
 
 private:
-    FakeAppContainer m_app;
-    FakeMainWindow m_window{&m_app};
-    FakeAppAccount m_account;
+    InitializedHost m_host;
 };
 
 void tst_VMCloudHelper::init()
 {
     sentCalls().clear();
-    m_account.setLoggedIn(true);
-    m_account.setUserId(QString::fromUtf8("u-\xc3\xa4"));
-    m_app.setAccount(&m_account);
-    QVERIFY(CAppController::instance());
-    QVERIFY(Initialize(&m_app));
-}
-
-void tst_VMCloudHelper::cleanup()
-{
-    Destroy();
+    m_host.account.setLoggedIn(true);
+    m_host.account.setUserId(QString::fromUtf8("u-\xc3\xa4"));
 }
 
 void tst_VMCloudHelper::nothingSentWhenSignedOut()
 {
-    m_account.setLoggedIn(false);
+    m_host.account.setLoggedIn(false);
     VMCloudHelper *helper = VMCloudHelper::instance();
     QCOMPARE(helper->parent(), CAppController::instance());
     QSignalSpy cache(helper, &VMCloudHelper::getCachePathFinished);
@@ -125,56 +108,37 @@ void tst_VMCloudHelper::nothingSentWhenSignedOut()
     QVERIFY(cache.isEmpty());
 }
 
-void tst_VMCloudHelper::uploadRecord_data()
+void tst_VMCloudHelper::requestRecords()
 {
-    QTest::addColumn<QString>("filePath");
-    QTest::newRow("drive_letter_path") << "D:/out/a.docx";
-    QTest::newRow("unix_path_with_space_and_umlaut") << QString::fromUtf8("/home/u/\xc3\xa4 b.docx");
-}
-
-void tst_VMCloudHelper::uploadRecord()
-{
-    QFETCH(QString, filePath);
-    const QString id = VMCloudHelper::instance()->uploadFilesToCloud(filePath, VMCloudHelper::cloudFolderPath());
-    QCOMPARE(id, "id-1");
-    QCOMPARE(sentCalls().size(), 1);
-    const SentCall &call = sentCalls().first();
-    QCOMPARE(call.method, "uploadFilesToCloud");
-    QCOMPARE(call.recordType, "UploadFilesToCloudArg");
-    QCOMPARE(call.slotName, "onUploadFileFinished");
-    QCOMPARE(call.receiver.data(), VMCloudHelper::instance());
-    const UploadFilesToCloudArg &arg = call.upload;
-    QCOMPARE(QString::fromStdString(arg.userId), QString::fromUtf8("u-\xc3\xa4"));
-    QCOMPARE(arg.cloudPath, "cloudapp/documentmerger");
-    QCOMPARE(arg.srcFiles, std::vector<std::string>{QDir::toNativeSeparators(filePath).toStdString()});
-    QCOMPARE(QString::fromStdString(arg.userData), filePath);
-    QVERIFY(arg.createWhenNoExists);
-    QVERIFY(arg.uploadFrom.empty());
-    QVERIFY(arg.extraParam.empty());
-    QVERIFY(!arg.__isset.extraParam);
-}
-
-void tst_VMCloudHelper::openRecord_data()
-{
-    QTest::addColumn<bool>("create");
-    QTest::newRow("create") << true;
-    QTest::newRow("only_existing") << false;
-}
-
-void tst_VMCloudHelper::openRecord()
-{
-    QFETCH(bool, create);
-    QCOMPARE(VMCloudHelper::instance()->openVirtualCloudDisk("cloudapp/x", create), "id-1");
-    const SentCall &call = sentCalls().first();
-    QCOMPARE(call.method, "openVirtualCloudDisk");
-    QCOMPARE(call.recordType, "OpenVirtualCloudDiskArg");
-    QCOMPARE(call.slotName, "onOpenFolderFinished");
-    OpenVirtualCloudDiskArg expected;
-    expected.__set_userId("u-\xc3\xa4");
-    expected.__set_cloudPath("cloudapp/x");
-    expected.__set_createWhenNoExists(create);
-    QVERIFY(call.open == expected);
-    QVERIFY(!call.open.__isset.entryIdentifier);
+    VMCloudHelper *helper = VMCloudHelper::instance();
+    const QStringList files{"D:/out/a.docx", QString::fromUtf8("/home/u/\xc3\xa4 b.docx")};
+    for (const QString &file : files)
+        helper->uploadFilesToCloud(file, VMCloudHelper::cloudFolderPath());
+    QCOMPARE(helper->openVirtualCloudDisk("cloudapp/x", true), "id-3");
+    QCOMPARE(helper->openVirtualCloudDisk("cloudapp/x", false), "id-4");
+    QCOMPARE(sentCalls().size(), 4);
+    for (int i = 0; i < 4; ++i) {
+        const SentCall &call = sentCalls().at(i);
+        QCOMPARE(call.receiver.data(), helper);
+        QCOMPARE(call.method, i < 2 ? "uploadFilesToCloud" : "openVirtualCloudDisk");
+        QCOMPARE(call.recordType, i < 2 ? "UploadFilesToCloudArg" : "OpenVirtualCloudDiskArg");
+        QCOMPARE(call.slotName, i < 2 ? "onUploadFileFinished" : "onOpenFolderFinished");
+    }
+    for (int i = 0; i < 2; ++i) {
+        UploadFilesToCloudArg expected;
+        expected.__set_userId("u-\xc3\xa4");
+        expected.__set_cloudPath("cloudapp/documentmerger");
+        expected.__set_srcFiles({QDir::toNativeSeparators(files.at(i)).toStdString()});
+        expected.__set_userData(files.at(i).toStdString());
+        QVERIFY(sentCalls().at(i).upload == expected);
+        QVERIFY(!sentCalls().at(i).upload.__isset.extraParam);
+        OpenVirtualCloudDiskArg open;
+        open.__set_userId("u-\xc3\xa4");
+        open.__set_cloudPath("cloudapp/x");
+        open.__set_createWhenNoExists(i == 0);
+        QVERIFY(sentCalls().at(2 + i).open == open);
+        QVERIFY(!sentCalls().at(2 + i).open.__isset.entryIdentifier);
+    }
 }
 
 void tst_VMCloudHelper::uploadAndOpenReplies_data()

@@ -5,18 +5,20 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <cstring>
 
+#include "fakezylserver.h"
 #include "fakezylstate.h"
 
 namespace {
 
-enum class Type { I4, Bstr, Empty, I4OrEmpty };
-
+// Argument types, one letter each: 'i' a 32-bit integer, 's' a string, 'e' nothing, 'o' either
+// an integer or nothing.
 struct Member {
     const char *name;
     FakeZylObject::Kind owner;
     WORD kind;
-    std::vector<Type> args;
+    const char *args;
 };
 
 using K = FakeZylObject::Kind;
@@ -24,28 +26,32 @@ using K = FakeZylObject::Kind;
 const std::vector<Member> &members()
 {
     static const std::vector<Member> table = {
-        {"Quit", K::Application, DISPATCH_METHOD, {}},
-        {"Documents", K::Application, DISPATCH_PROPERTYGET, {}},
-        {"Open", K::Documents, DISPATCH_METHOD, {Type::Bstr}},
-        {"ComputeStatistics", K::Document, DISPATCH_METHOD, {Type::I4}},
-        {"ProtectionType", K::Document, DISPATCH_PROPERTYGET, {}},
-        {"Close", K::Document, DISPATCH_METHOD, {Type::I4}},
-        {"Save", K::Document, DISPATCH_METHOD, {}},
-        {"SaveAs2", K::Document, DISPATCH_METHOD,
-         {Type::Bstr, Type::I4OrEmpty, Type::Empty, Type::Bstr, Type::I4}},
-        {"Undo", K::Document, DISPATCH_METHOD, {Type::I4}},
-        {"GoTo", K::Document, DISPATCH_METHOD, {Type::I4, Type::I4, Type::I4}},
+        {"Quit", K::Application, DISPATCH_METHOD, ""},
+        {"Documents", K::Application, DISPATCH_PROPERTYGET, ""},
+        {"Open", K::Documents, DISPATCH_METHOD, "s"},
+        {"ComputeStatistics", K::Document, DISPATCH_METHOD, "i"},
+        {"ProtectionType", K::Document, DISPATCH_PROPERTYGET, ""},
+        {"Close", K::Document, DISPATCH_METHOD, "i"},
+        {"Save", K::Document, DISPATCH_METHOD, ""},
+        {"SaveAs2", K::Document, DISPATCH_METHOD, "soesi"},
+        {"Undo", K::Document, DISPATCH_METHOD, "i"},
+        {"GoTo", K::Document, DISPATCH_METHOD, "iii"},
         // "Range" takes none or two; checked where it is carried out.
-        {"Range", K::Document, DISPATCH_METHOD, {}},
-        {"Start", K::Range, DISPATCH_PROPERTYGET, {}},
-        {"End", K::Range, DISPATCH_PROPERTYGET, {}},
-        {"Collapse", K::Range, DISPATCH_METHOD, {Type::I4}},
-        {"Delete", K::Range, DISPATCH_METHOD, {}},
-        {"InsertBreak", K::Range, DISPATCH_METHOD, {Type::I4}},
-        {"InsertParagraph", K::Range, DISPATCH_METHOD, {}},
-        {"InsertFile", K::Range, DISPATCH_METHOD, {Type::Bstr}},
+        {"Range", K::Document, DISPATCH_METHOD, ""},
+        {"Start", K::Range, DISPATCH_PROPERTYGET, ""},
+        {"End", K::Range, DISPATCH_PROPERTYGET, ""},
+        {"Collapse", K::Range, DISPATCH_METHOD, "i"},
+        {"Delete", K::Range, DISPATCH_METHOD, ""},
+        {"InsertBreak", K::Range, DISPATCH_METHOD, "i"},
+        {"InsertParagraph", K::Range, DISPATCH_METHOD, ""},
+        {"InsertFile", K::Range, DISPATCH_METHOD, "s"},
     };
     return table;
+}
+
+QString text(const VARIANT *v)
+{
+    return QString::fromUtf16(v->bstrVal, int(SysStringLen(v->bstrVal)));
 }
 
 QString describe(const VARIANT *v)
@@ -54,8 +60,7 @@ QString describe(const VARIANT *v)
     case VT_I4:
         return QStringLiteral("i4:%1").arg(v->lVal);
     case VT_BSTR:
-        return QStringLiteral("bstr:%1").arg(
-            QString::fromUtf16(v->bstrVal, int(SysStringLen(v->bstrVal))));
+        return QStringLiteral("bstr:%1").arg(text(v));
     case VT_EMPTY:
         return QStringLiteral("empty");
     default:
@@ -63,24 +68,10 @@ QString describe(const VARIANT *v)
     }
 }
 
-bool matches(Type type, const VARIANT *v)
+bool matches(char type, const VARIANT *v)
 {
-    switch (type) {
-    case Type::I4:
-        return v->vt == VT_I4;
-    case Type::Bstr:
-        return v->vt == VT_BSTR && v->bstrVal;
-    case Type::Empty:
-        return v->vt == VT_EMPTY;
-    case Type::I4OrEmpty:
-        return v->vt == VT_I4 || v->vt == VT_EMPTY;
-    }
-    return false;
-}
-
-QString text(const VARIANT *v)
-{
-    return QString::fromUtf16(v->bstrVal, int(SysStringLen(v->bstrVal)));
+    return (v->vt == VT_I4 && (type == 'i' || type == 'o')) || (v->vt == VT_BSTR && type == 's' && v->bstrVal)
+        || (v->vt == VT_EMPTY && (type == 'e' || type == 'o'));
 }
 
 bool readText(const QString &path, QString *out)
@@ -90,14 +81,6 @@ bool readText(const QString &path, QString *out)
         return false;
     *out = QString::fromUtf8(file.readAll());
     return true;
-}
-
-bool writeText(const QString &path, const QString &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    return file.write(content.toUtf8()) >= 0;
 }
 
 } // namespace
@@ -156,10 +139,8 @@ HRESULT FakeZylObject::Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags, DI
     }
     FakeZylState &state = FakeZylState::instance();
     state.record(QStringLiteral("%1 %2.%3(%4)")
-                     .arg(wFlags == DISPATCH_PROPERTYGET ? QStringLiteral("get") : QStringLiteral("call"))
-                     .arg(objectName())
-                     .arg(QLatin1String(member.name))
-                     .arg(shown.join(QStringLiteral(", "))));
+                     .arg(QLatin1String(wFlags == DISPATCH_PROPERTYGET ? "get" : "call"), objectName(),
+                          QLatin1String(member.name), shown.join(QStringLiteral(", "))));
 
     const QString name = QLatin1String(member.name);
     const HRESULT scripted = state.enter(name);
@@ -167,7 +148,7 @@ HRESULT FakeZylObject::Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags, DI
         return scripted;
 
     if (name != QLatin1String("Range")) {
-        if (args.size() != member.args.size())
+        if (args.size() != strlen(member.args))
             return DISP_E_BADPARAMCOUNT;
         for (size_t i = 0; i < args.size(); ++i) {
             if (!matches(member.args[i], args[i]))
@@ -185,17 +166,8 @@ HRESULT FakeZylObject::Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags, DI
 
 QString FakeZylObject::objectName() const
 {
-    switch (m_kind) {
-    case Kind::Application:
-        return QStringLiteral("Application");
-    case Kind::Documents:
-        return QStringLiteral("Documents");
-    case Kind::Document:
-        return QStringLiteral("Document");
-    case Kind::Range:
-        return QStringLiteral("Range");
-    }
-    return QString();
+    static const char *const names[] = {"Application", "Documents", "Document", "Range"};
+    return QLatin1String(names[int(m_kind)]);
 }
 
 HRESULT FakeZylObject::returnObject(FakeZylObject *object, VARIANT *result)
@@ -297,12 +269,12 @@ HRESULT FakeZylObject::call(const QString &member, WORD, const std::vector<const
             return S_OK;
         }
         if (member == QLatin1String("Save"))
-            return writeText(doc.path, doc.text) ? S_OK : E_ACCESSDENIED;
+            return FakeZylServer::writeDocument(doc.path, {doc.text}) ? S_OK : E_ACCESSDENIED;
         if (member == QLatin1String("SaveAs2")) {
             const QString path = text(args[0]);
             if (QFile::exists(path))
                 return E_ACCESSDENIED;
-            if (!writeText(path, doc.text))
+            if (!FakeZylServer::writeDocument(path, {doc.text}))
                 return E_ACCESSDENIED;
             doc.path = path;
             return S_OK;
@@ -328,7 +300,7 @@ HRESULT FakeZylObject::call(const QString &member, WORD, const std::vector<const
         auto *range = new FakeZylObject(Kind::Range, m_session, m_model);
         if (args.empty()) {
             range->m_end = doc.text.size();
-        } else if (args.size() == 2 && matches(Type::I4, args[0]) && matches(Type::I4, args[1])) {
+        } else if (args.size() == 2 && matches('i', args[0]) && matches('i', args[1])) {
             const int length = doc.text.size();
             range->m_start = std::clamp<int>(args[0]->lVal, 0, length);
             range->m_end = std::clamp<int>(args[1]->lVal, 0, length);

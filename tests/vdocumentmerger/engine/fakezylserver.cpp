@@ -40,12 +40,7 @@ public:
         const HRESULT scripted = state.enter(QStringLiteral("CreateInstance"));
         if (FAILED(scripted))
             return scripted;
-        {
-            QMutexLocker locker(&state.mutex);
-            if (FAILED(state.creationFailure))
-                return state.creationFailure;
-            ++state.applicationsCreated;
-        }
+        ++state.applicationsCreated;
         FakeZylObject *application = FakeZylObject::createApplication();
         const HRESULT hr = application->QueryInterface(riid, ppv);
         application->Release();
@@ -104,6 +99,15 @@ void FakeZylState::record(const QString &entry)
     journal << entry;
 }
 
+// Runs change on the shared state under its lock.
+template <class Change>
+static void edit(Change change)
+{
+    FakeZylState &state = FakeZylState::instance();
+    QMutexLocker locker(&state.mutex);
+    change(state);
+}
+
 void FakeZylServer::reset()
 {
     FakeZylState &state = FakeZylState::instance();
@@ -113,7 +117,6 @@ void FakeZylServer::reset()
     state.failures.clear();
     state.protection.clear();
     state.textAnswers.clear();
-    state.creationFailure = S_OK;
     state.breakAddsTwoPages = false;
     state.blockMember.clear();
     state.blockOccurrence = 0;
@@ -155,44 +158,27 @@ int FakeZylServer::openDocuments()
 
 int FakeZylServer::applicationsCreated()
 {
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    return state.applicationsCreated;
-}
-
-void FakeZylServer::failCreation(HRESULT hr)
-{
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    state.creationFailure = hr;
+    return FakeZylState::instance().applicationsCreated.load();
 }
 
 void FakeZylServer::failCall(const QString &member, int occurrence, HRESULT hr)
 {
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    state.failures[member].insert(occurrence, hr);
+    edit([&](FakeZylState &state) { state.failures[member].insert(occurrence, hr); });
 }
 
 void FakeZylServer::answerWithText(const QString &member)
 {
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    state.textAnswers << member;
+    edit([&](FakeZylState &state) { state.textAnswers << member; });
 }
 
 void FakeZylServer::setProtection(const QString &fileName, int type)
 {
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    state.protection.insert(fileName, type);
+    edit([&](FakeZylState &state) { state.protection.insert(fileName, type); });
 }
 
 void FakeZylServer::setBreakAddsTwoPages(bool on)
 {
-    FakeZylState &state = FakeZylState::instance();
-    QMutexLocker locker(&state.mutex);
-    state.breakAddsTwoPages = on;
+    edit([&](FakeZylState &state) { state.breakAddsTwoPages = on; });
 }
 
 void FakeZylServer::blockAt(const QString &member, int occurrence)

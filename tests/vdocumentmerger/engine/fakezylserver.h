@@ -34,10 +34,8 @@ public:
     static int openDocuments();
     static int applicationsCreated();
 
-    // Creating the application object fails with hr.
-    static void failCreation(HRESULT hr);
     // The occurrence-th call (1-based, counted since reset) of member fails with hr;
-    // occurrence 0 fails every call.
+    // occurrence 0 fails every call. "CreateInstance" is the creation of the application.
     static void failCall(const QString &member, int occurrence, HRESULT hr);
     // Documents opened from a file of this name report this protection type (default -1).
     static void setProtection(const QString &fileName, int type);

@@ -26,13 +26,12 @@ struct FakeZylState {
     QHash<QString, QHash<int, HRESULT>> failures;
     QHash<QString, int> protection;
     QStringList textAnswers;
-    HRESULT creationFailure = S_OK;
     bool breakAddsTwoPages = false;
     QString blockMember;
     int blockOccurrence = 0;
     bool blocked = false;
     bool released = false;
-    int applicationsCreated = 0;
+    std::atomic<int> applicationsCreated{0};
     std::atomic<int> liveObjects{0};
     std::atomic<int> openDocuments{0};
 };

@@ -3,9 +3,7 @@
 #include <QtTest>
 
 #include "engine/vmprogressdlg.h"
-#include "fakeappcontainer.h"
 #include "fakemainwindow.h"
-#include "shell/pluginexports.h"
 
 namespace {
 
@@ -23,70 +21,46 @@ class tst_VMProgressDlg : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
-
-    void content_data();
-    void content();
-    void closing_data();
-    void closing();
+    void showAndClose_data();
+    void showAndClose();
 
 private:
-    QStringList popupActions() const;
-
-    FakeAppContainer m_app;
-    FakeMainWindow *m_mainWindow = nullptr;
+    InitializedHost m_host;
 };
 
-void tst_VMProgressDlg::initTestCase()
-{
-    m_mainWindow = new FakeMainWindow(&m_app);
-    QVERIFY(Initialize(&m_app));
-}
-
-void tst_VMProgressDlg::cleanupTestCase()
-{
-    QVERIFY(Destroy());
-    delete m_mainWindow;
-}
-
-void tst_VMProgressDlg::init()
-{
-    m_app.clearEvents();
-}
-
-QStringList tst_VMProgressDlg::popupActions() const
-{
-    QStringList actions;
-    for (const FakeAppContainer::Event &event : m_app.eventsNamed(QStringLiteral("vas_wordmerge_popup"))) {
-        if (event.params.value(QStringLiteral("type")) == QStringLiteral("processing"))
-            actions << event.params.value(QStringLiteral("action"));
-    }
-    return actions;
-}
-
-void tst_VMProgressDlg::content_data()
+void tst_VMProgressDlg::showAndClose_data()
 {
     QTest::addColumn<int>("totalPages");
-    QTest::addColumn<QString>("text");
-    const QString plain = QStringLiteral("Merging, please wait...");
-    const QString large = QStringLiteral("Merging, the total number of merged pages is large, Please wait...");
-    QTest::newRow("999_pages") << 999 << plain;
-    QTest::newRow("1000_pages") << 1000 << large;
-    QTest::newRow("25000_pages") << 25000 << large;
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<bool>("withReceiver");
+    QTest::addColumn<int>("cancels");
+
+    QTest::newRow("999_pages_escape_cancels") << 999 << "escape" << true << 1;
+    QTest::newRow("1000_pages_cancel_button_cancels") << 1000 << "cancel_button" << true << 1;
+    QTest::newRow("25000_pages_reject_cancels") << 25000 << "reject" << true << 1;
+    QTest::newRow("accept_is_silent") << 1200 << "accept" << true << 0;
+    QTest::newRow("escape_without_receiver_only_closes") << 1200 << "escape" << false << 0;
 }
 
-void tst_VMProgressDlg::content()
+void tst_VMProgressDlg::showAndClose()
 {
     QFETCH(int, totalPages);
-    QFETCH(QString, text);
+    QFETCH(QString, how);
+    QFETCH(bool, withReceiver);
+    QFETCH(int, cancels);
+    m_host.app.clearEvents();
+
     QWidget page;
+    CancelReceiver receiver;
     const QTime before = QTime::currentTime();
-    QPointer<VMProgressDlg> dialog = VMProgressDlg::showMergeProgress(&page, &page, totalPages);
-    QVERIFY(dialog->isVisible());
+    QPointer<VMProgressDlg> dialog =
+        VMProgressDlg::showMergeProgress(&page, withReceiver ? &receiver : nullptr, totalPages);
+    QVERIFY(QTest::qWaitForWindowExposed(dialog));
     QVERIFY(dialog->isModal());
     QCOMPARE(dialog->title(), QStringLiteral("Merging"));
+    const QString text = totalPages < 1000
+        ? QStringLiteral("Merging, please wait...")
+        : QStringLiteral("Merging, the total number of merged pages is large, Please wait...");
     QCOMPARE(dialog->content(), text);
     bool textShown = false;
     for (const QLabel *label : dialog->findChildren<QLabel *>())
@@ -94,35 +68,7 @@ void tst_VMProgressDlg::content()
     QVERIFY(textShown);
     QVERIFY(!dialog->isButtonVisible(VLiteContentDlg::BtnConfirm));
     QVERIFY(dialog->showTime() >= before);
-    QCOMPARE(popupActions(), QStringList{QStringLiteral("show")});
-    dialog->accept();
-    QTRY_VERIFY(dialog.isNull());
-}
 
-void tst_VMProgressDlg::closing_data()
-{
-    QTest::addColumn<QString>("how");
-    QTest::addColumn<bool>("withReceiver");
-    QTest::addColumn<int>("cancels");
-
-    QTest::newRow("escape_cancels") << "escape" << true << 1;
-    QTest::newRow("cancel_button_cancels") << "cancel_button" << true << 1;
-    QTest::newRow("reject_cancels") << "reject" << true << 1;
-    QTest::newRow("accept_is_silent") << "accept" << true << 0;
-    QTest::newRow("escape_without_receiver_only_closes") << "escape" << false << 0;
-}
-
-void tst_VMProgressDlg::closing()
-{
-    QFETCH(QString, how);
-    QFETCH(bool, withReceiver);
-    QFETCH(int, cancels);
-
-    QWidget page;
-    CancelReceiver receiver;
-    QPointer<VMProgressDlg> dialog =
-        VMProgressDlg::showMergeProgress(&page, withReceiver ? &receiver : nullptr, 1200);
-    QVERIFY(QTest::qWaitForWindowExposed(dialog));
     if (how == "escape")
         QTest::keyClick(dialog, Qt::Key_Escape);
     else if (how == "cancel_button")
@@ -137,7 +83,12 @@ void tst_VMProgressDlg::closing()
     QStringList expected{QStringLiteral("show")};
     if (cancels)
         expected << QStringLiteral("click_close");
-    QCOMPARE(popupActions(), expected);
+    QStringList actions;
+    for (const FakeAppContainer::Event &event : m_host.app.eventsNamed(QStringLiteral("vas_wordmerge_popup"))) {
+        QCOMPARE(event.params.value(QStringLiteral("type")), QStringLiteral("processing"));
+        actions << event.params.value(QStringLiteral("action"));
+    }
+    QCOMPARE(actions, expected);
 }
 
 QTEST_MAIN(tst_VMProgressDlg)

@@ -1,4 +1,3 @@
-#include <QAccessible>
 #include <QLineEdit>
 #include <QStandardPaths>
 #include <QtTest>
@@ -21,7 +20,6 @@ private slots:
     void nameStoredAsTyped();
     void choicesStored_data();
     void choicesStored();
-    void controlsHaveAccessibleNames();
 
 private:
     VMOutputOptionWidget *m_widget = nullptr;
@@ -130,26 +128,6 @@ void tst_VMOutputOptionWidget::choicesStored()
     auto *stack = m_widget->findChild<VMOpenLoationWidget *>();
     QCOMPARE(stack->currentIndex(), location);
     QCOMPARE(stack->customPage()->isVisible(), location == 1);
-}
-
-void tst_VMOutputOptionWidget::controlsHaveAccessibleNames()
-{
-    const QList<QPair<QWidget *, QString>> controls{
-        {m_nameEdit, QStringLiteral("Output Name")},
-        {m_suffixCombo, QStringLiteral("Output Format")},
-        {m_locationCombo, QStringLiteral("Output Directory")},
-    };
-    for (const auto &control : controls) {
-        QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(control.first);
-        QVERIFY(iface);
-        // What a screen reader announces: the name, the description, the labels pointing at
-        // the control (a combo box's own name is its current entry on this desktop).
-        QStringList spoken{iface->text(QAccessible::Name), iface->text(QAccessible::Description)};
-        for (const auto &relation : iface->relations(QAccessible::Label))
-            spoken << relation.first->text(QAccessible::Name);
-        QVERIFY2(spoken.contains(control.second),
-                 qPrintable(control.second + QLatin1String(" not in ") + spoken.join(QLatin1Char('|'))));
-    }
 }
 
 QTEST_MAIN(tst_VMOutputOptionWidget)

@@ -78,10 +78,8 @@ private slots:
     void exportsResolveByPlainName();
     void initializeRejects_data();
     void initializeRejects();
-    void initializeAccepts();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
     void destroyForgetsContainerAndSilencesEvents();
-    void tempRootRemovedWhenControllerDeleted();
     void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
 };
@@ -157,40 +155,27 @@ void tst_CAppController::initializeRejects()
     QVERIFY(Destroy());
 }
 
-void tst_CAppController::initializeAccepts()
-{
-    FakeAppContainer app;
-    FakeAppAccount account;
-    app.setAccount(&account);
-    FakeMainWindow window(&app);
-
-    QVERIFY(Initialize(&app));
-    CAppController *controller = CAppController::instance();
-    QCOMPARE(controller->container(), &app);
-    QCOMPARE(controller->mainWindow(), &window);
-    QCOMPARE(controller->account(), &account);
-    QCOMPARE(app.subscriptions().size(), 1);
-    QCOMPARE(app.subscriptions().at(0).notification, QStringLiteral("SkinChanged"));
-    QCOMPARE(app.subscriptions().at(0).receiver.data(), controller);
-    QCOMPARE(app.subscriptions().at(0).slot, QByteArray("onSkinChanged"));
-    QVERIFY(Destroy());
-}
-
 void tst_CAppController::initializeTwiceSubscribesTwiceAndRelaysSkin()
 {
     FakeAppContainer first;
     FakeMainWindow firstWindow(&first);
     FakeAppContainer second;
+    FakeAppAccount account;
+    second.setAccount(&account);
     FakeMainWindow secondWindow(&second);
 
     QVERIFY(Initialize(&first));
     QVERIFY(Initialize(&second));
-    QCOMPARE(CAppController::instance()->container(), &second);
-    QCOMPARE(CAppController::instance()->mainWindow(), &secondWindow);
+    CAppController *controller = CAppController::instance();
+    QCOMPARE(controller->container(), &second);
+    QCOMPARE(controller->mainWindow(), &secondWindow);
+    QCOMPARE(controller->account(), &account);
     QCOMPARE(first.subscriptions().size(), 1);
     QCOMPARE(second.subscriptions().size(), 1);
+    QCOMPARE(second.subscriptions().at(0).notification, QStringLiteral("SkinChanged"));
+    QCOMPARE(second.subscriptions().at(0).receiver.data(), controller);
 
-    QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
+    QSignalSpy spy(controller, &CAppController::sigSkinChanged);
     QVERIFY(spy.isValid());
     QCOMPARE(second.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
     QCOMPARE(spy.count(), 1);
@@ -227,29 +212,6 @@ void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
     QVERIFY(QTest::qWaitForWindowExposed(&host));
     QCOMPARE(app.events().size(), 1);
     QVERIFY(Destroy());
-}
-
-void tst_CAppController::tempRootRemovedWhenControllerDeleted()
-{
-    CAppController *controller = CAppController::instance();
-    QVERIFY(controller);
-    const QString nested = VMEnv::workFilePath(QStringLiteral("a"), QStringLiteral("docx"), 1);
-    QFile file(nested);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
-    QVERIFY(QDir().mkpath(VMEnv::tempRoot() + QStringLiteral("/misc/deeper/still")));
-    VMEnv::instance()->setOutputName(QStringLiteral("kept until shutdown"));
-    QVERIFY(QFileInfo(VMEnv::tempRoot()).isDir());
-
-    delete controller;
-    QVERIFY(!QFileInfo::exists(VMEnv::tempRoot()));
-    QVERIFY(!appController());
-    QVERIFY(VMEnv::instance()->outputName().isEmpty());
-    VMEnv::releaseInstance();
-
-    // A later call starts a fresh controller under the application object.
-    QVERIFY(CAppController::instance());
-    QCOMPARE(CAppController::instance()->parent(), QCoreApplication::instance());
 }
 
 void tst_CAppController::tempRootRemovedAtApplicationShutdown_data()

@@ -6,6 +6,7 @@
 #include "shell/cappcontroller.h"
 #include "shell/hostservices.h"
 #include "shell/pluginexports.h"
+#include "shell/usageevents.h"
 
 class tst_HostServices : public QObject {
     Q_OBJECT
@@ -23,6 +24,9 @@ void tst_HostServices::emptyWithoutController()
     QVERIFY(userId().isEmpty());
     QVERIFY(startSource().isEmpty());
     requestLogin();
+    // Usage events sent this early go nowhere and make no controller either.
+    sendUsageEvent(QStringLiteral("vas_wordmerge_show"), {});
+    sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
     QVERIFY(!appController());
 }
 

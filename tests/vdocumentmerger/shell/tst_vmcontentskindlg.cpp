@@ -3,10 +3,8 @@
 #include <QTimer>
 #include <QtTest>
 
-#include "fakeappcontainer.h"
 #include "fakemainwindow.h"
 #include "shell/cappcontroller.h"
-#include "shell/pluginexports.h"
 #include "shell/vmcontentskindlg.h"
 
 namespace {
@@ -31,29 +29,12 @@ class tst_VMContentSkinDlg : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-
     void restylesDuringExec();
-    void closedDialogIsLeftAlone();
-    void everyOpenDialogFollows();
+    void everyOpenDialogFollowsAndClosedOnesAreLeftAlone();
 
 private:
-    FakeAppContainer m_app;
-    FakeMainWindow *m_window = nullptr;
+    InitializedHost m_host;
 };
-
-void tst_VMContentSkinDlg::initTestCase()
-{
-    m_window = new FakeMainWindow(&m_app);
-    QVERIFY(Initialize(&m_app));
-}
-
-void tst_VMContentSkinDlg::cleanupTestCase()
-{
-    QVERIFY(Destroy());
-    delete m_window;
-}
 
 void tst_VMContentSkinDlg::restylesDuringExec()
 {
@@ -61,7 +42,7 @@ void tst_VMContentSkinDlg::restylesDuringExec()
     int restylesSeenInside = -1;
     QTimer::singleShot(0, &dlg, [&] {
         const int before = dlg.restyles;
-        m_app.notify(QStringLiteral("SkinChanged"), QVariantMap());
+        m_host.app.notify(QStringLiteral("SkinChanged"), QVariantMap());
         restylesSeenInside = dlg.restyles - before;
         dlg.done(2);
     });
@@ -69,26 +50,20 @@ void tst_VMContentSkinDlg::restylesDuringExec()
     QCOMPARE(restylesSeenInside, 1);
 }
 
-void tst_VMContentSkinDlg::closedDialogIsLeftAlone()
+void tst_VMContentSkinDlg::everyOpenDialogFollowsAndClosedOnesAreLeftAlone()
 {
     QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
     QVERIFY(spy.isValid());
-    QPointer<CountingSkinDlg> dlg = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
-    dlg->show();
-    delete dlg;
-    QVERIFY(dlg.isNull());
-    QCOMPARE(m_app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
-    QCOMPARE(spy.count(), 1);
-}
-
-void tst_VMContentSkinDlg::everyOpenDialogFollows()
-{
+    QPointer<CountingSkinDlg> closed = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
+    closed->show();
+    delete closed;
     QWidget owner;
     auto *first = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(0));
     auto *second = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(3));
     const int firstBefore = first->restyles;
     const int secondBefore = second->restyles;
-    m_app.notify(QStringLiteral("SkinChanged"), QVariantMap());
+    QCOMPARE(m_host.app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(spy.count(), 1);
     QCOMPARE(first->restyles, firstBefore + 1);
     QCOMPARE(second->restyles, secondBefore + 1);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "fakeappaccount.h"
 #include "fakeappcontainer.h"
 #include "host/vappmainwindow.h"
+#include "shell/pluginexports.h"
 
 // A host main window that answers as a container by passing every call to the
 // application container it belongs to.
@@ -27,4 +29,19 @@ public:
 
 private:
     FakeAppContainer *m_app;
+};
+
+// A host with its container, account and main window, the add-on initialised on it for the
+// life of the object (make it after the application object).
+struct InitializedHost {
+    FakeAppContainer app;
+    FakeAppAccount account;
+    FakeMainWindow window{&app};
+
+    InitializedHost()
+    {
+        app.setAccount(&account);
+        Initialize(&app);
+    }
+    ~InitializedHost() { Destroy(); }
 };

@@ -1,4 +1,3 @@
-#include <QAccessible>
 #include <QVBoxLayout>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -28,7 +27,6 @@ private slots:
     void sortOrders_data();
     void sortOrders();
     void removalSignalsKeepRowReadable();
-    void accessibleNames();
 };
 
 namespace {
@@ -278,27 +276,6 @@ void tst_VMFileTableWidget::removalSignalsKeepRowReadable()
     QCOMPARE(log, (QStringList{"selected 2/2", "removed /docs/b.doc", "count 2", "deleted /docs/b.doc 1"}));
     QCOMPARE(f.names(), (QStringList{"a.doc", "c.doc"}));
     QTRY_VERIFY(!row);
-}
-
-void tst_VMFileTableWidget::accessibleNames()
-{
-    Fixture f;
-    f.run({"add a.doc"});
-    VMTableHeaderNameItem *nameItem = f.table.header()->nameItem();
-    const QList<QPair<QWidget *, QString>> controls{
-        {nameItem->checkBox(), QStringLiteral("Select all")},
-        {nameItem->sortButton(), QStringLiteral("Sort by file name")},
-        {nameItem->invertSelectionLink(), QStringLiteral("Invert Selection")},
-        {f.statusButton(QStringLiteral("Add file")), QStringLiteral("Add file")},
-        {f.statusButton(QStringLiteral("Clear selected")), QStringLiteral("Clear selected(1/1)")},
-        {f.table.itemAt(0)->fileNameSubItem()->checkBox(), QStringLiteral("a.doc")},
-    };
-    for (const auto &control : controls) {
-        QVERIFY(control.first);
-        QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(control.first);
-        QVERIFY(iface);
-        QCOMPARE(iface->text(QAccessible::Name), control.second);
-    }
 }
 
 QTEST_MAIN(tst_VMFileTableWidget)

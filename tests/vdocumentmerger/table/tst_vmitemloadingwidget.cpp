@@ -7,24 +7,21 @@ class tst_VMItemLoadingWidget : public QObject {
     Q_OBJECT
 
 private slots:
-    void steps();
-    void hideStopsAndShowStartsOver();
-
-private:
-    // Delivers one tick of the spinner's own timer, as the event loop would.
-    static void tick(VMItemLoadingWidget *spinner);
+    void stepsStopWhenHiddenAndStartOverWhenShown();
 };
 
-void tst_VMItemLoadingWidget::tick(VMItemLoadingWidget *spinner)
+// Delivers one tick of the spinner's own timer, as the event loop would; gives the lit dot.
+static int tick(VMItemLoadingWidget *spinner)
 {
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(spinner);
-    QCOMPARE(timers.size(), 1);
-    QCOMPARE(timers.first().interval, 300);
+    if (timers.size() != 1 || timers.first().interval != 300)
+        return -2; // no timer, or not the 300 ms one
     QTimerEvent event(timers.first().timerId);
     QCoreApplication::sendEvent(spinner, &event);
+    return spinner->litDot();
 }
 
-void tst_VMItemLoadingWidget::steps()
+void tst_VMItemLoadingWidget::stepsStopWhenHiddenAndStartOverWhenShown()
 {
     VMItemLoadingWidget spinner;
     QVERIFY(!spinner.isRunning());
@@ -35,20 +32,9 @@ void tst_VMItemLoadingWidget::steps()
     // Four dots in turn, three ticks dark, then again.
     const QVector<int> expected{0, 1, 2, 3, -1, -1, -1, 0, 1, 2, 3, -1, -1, -1, 0};
     QVector<int> seen;
-    for (int i = 0; i < expected.size(); ++i) {
-        tick(&spinner);
-        seen << spinner.litDot();
-    }
+    for (int i = 0; i < expected.size(); ++i)
+        seen << tick(&spinner);
     QCOMPARE(seen, expected);
-}
-
-void tst_VMItemLoadingWidget::hideStopsAndShowStartsOver()
-{
-    VMItemLoadingWidget spinner;
-    spinner.show();
-    tick(&spinner);
-    tick(&spinner);
-    QCOMPARE(spinner.litDot(), 1);
 
     spinner.hide();
     QVERIFY(!spinner.isRunning());
@@ -56,8 +42,7 @@ void tst_VMItemLoadingWidget::hideStopsAndShowStartsOver()
     spinner.show();
     QVERIFY(spinner.isRunning());
     QCOMPARE(spinner.litDot(), -1);
-    tick(&spinner);
-    QCOMPARE(spinner.litDot(), 0);
+    QCOMPARE(tick(&spinner), 0);
 }
 
 QTEST_MAIN(tst_VMItemLoadingWidget)
