@@ -53,8 +53,7 @@ private slots:
     void exec_result();
     void buttons_defaultsAndUnknownKinds();
     void customContentWidget_replacesText();
-    void titleDrag();
-    void themeSwitch_restylesOpenDialog();
+    void openDialog_restylesAndDrags();
     void frame_borderVisibleAtEveryScale_data();
     void frame_borderVisibleAtEveryScale();
 };
@@ -186,38 +185,12 @@ void tst_VLiteContentDlg::customContentWidget_replacesText()
     QCOMPARE(dlg.content(), QStringLiteral("text"));
 }
 
-void tst_VLiteContentDlg::titleDrag()
-{
-    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
-    dlg.move(100, 100);
-    dlg.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
-    auto* title = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_title"));
-    QVERIFY(title);
-    const QPoint grab(5, title->height() / 2);
-    const QPoint by(40, 25);
-    const auto drag = [&] {
-        QTest::mousePress(title, Qt::LeftButton, Qt::NoModifier, grab);
-        QMouseEvent move(QEvent::MouseMove, grab + by, title->mapToGlobal(grab + by), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(title, &move);
-        QTest::mouseRelease(title, Qt::LeftButton, Qt::NoModifier, grab + by);
-    };
-
-    const QPoint start = dlg.pos();
-    dlg.setTitleHitTest(false);
-    drag();
-    QCOMPARE(dlg.pos(), start);
-    dlg.setTitleHitTest(true);
-    drag();
-    QTRY_COMPARE(dlg.pos(), start + by);
-}
-
-void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
+void tst_VLiteContentDlg::openDialog_restylesAndDrags()
 {
     CountingDlg dlg(nullptr, VLiteContentDlg::IconFailure);
     dlg.setTitle(QStringLiteral("Merge failed"));
     dlg.setContent(QStringLiteral("Failed to merge the current document, Please set it again"));
+    dlg.move(100, 100);
     dlg.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dlg));
     const int before = dlg.styleChanges;
@@ -244,6 +217,24 @@ void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
     QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
     QCOMPARE(dlg.styleChanges, before + 2);
     QTRY_COMPARE(pixelAt(&dlg, inside), lightSurface);
+
+    // Dragging the title moves the dialog only while the title takes the hit test.
+    const QPoint grab(5, title->height() / 2);
+    const QPoint by(40, 25);
+    const auto drag = [&] {
+        QTest::mousePress(title, Qt::LeftButton, Qt::NoModifier, grab);
+        QMouseEvent move(QEvent::MouseMove, grab + by, title->mapToGlobal(grab + by), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(title, &move);
+        QTest::mouseRelease(title, Qt::LeftButton, Qt::NoModifier, grab + by);
+    };
+    const QPoint start = dlg.pos();
+    dlg.setTitleHitTest(false);
+    drag();
+    QCOMPARE(dlg.pos(), start);
+    dlg.setTitleHitTest(true);
+    drag();
+    QTRY_COMPARE(dlg.pos(), start + by);
 }
 
 void tst_VLiteContentDlg::frame_borderVisibleAtEveryScale_data()
