@@ -14,6 +14,13 @@
 
 using namespace zyl::dalo;
 
+static bool serviceAnswers()
+{
+    QLocalSocket probe;
+    probe.connectToServer(DaloConfig::socketName());
+    return probe.waitForConnected(100);
+}
+
 // Records every reply the library delivers.
 class Receiver : public QObject {
     Q_OBJECT
@@ -118,18 +125,7 @@ bool tst_DaloIpc::startService(const QString &user)
     m_service->setProcessChannelMode(QProcess::ForwardedChannels);
     m_service->start(DALODRIVE_EXE, {"--socket", DaloConfig::socketName(), "--drive", DaloConfig::driveRoot(),
                                      "--user", user, "--control-stdin", "--open-with", "true"});
-    if (!m_service->waitForStarted())
-        return false;
-    QLocalSocket probe;
-    QElapsedTimer waited;
-    waited.start();
-    do {
-        probe.connectToServer(DaloConfig::socketName());
-        if (probe.waitForConnected(100))
-            return true;
-        QTest::qWait(20);
-    } while (waited.elapsed() < 5000);
-    return false;
+    return m_service->waitForStarted() && QTest::qWaitFor(serviceAnswers, 5000);
 }
 
 QString tst_DaloIpc::upload(Receiver &receiver, const QString &user, const QString &cloudPath,
@@ -308,9 +304,7 @@ void tst_DaloIpc::followsTheSignedInUser()
 
     drive.stop();
     QVERIFY(!drive.isRunning());
-    QLocalSocket probe;
-    probe.connectToServer(DaloConfig::socketName());
-    QVERIFY(!probe.waitForConnected(100));
+    QVERIFY(!serviceAnswers());
 }
 
 void tst_DaloIpc::unreadableRequestsKeepTheServiceRunning()
@@ -432,12 +426,7 @@ void tst_DaloIpc::startsServiceOnDemand()
     QVERIFY(reply.ok);
     QCOMPARE(reply.code, int(DaloResultCode::Succeeded));
     // Left alone, it goes by itself.
-    const auto answers = [] {
-        QLocalSocket probe;
-        probe.connectToServer(DaloConfig::socketName());
-        return probe.waitForConnected(100);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(!answers(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!serviceAnswers(), 10000);
 }
 
 QTEST_MAIN(tst_DaloIpc)
