@@ -130,14 +130,10 @@ void tst_Apartment::sequence()
         return S_OK;
     });
 
-    QCOMPARE(results.size(), steps.size());
-    for (int i = 0; i < steps.size(); ++i) {
-        if (results.at(i) != steps.at(i).expected)
-            QFAIL(qPrintable(QStringLiteral("step %1: got 0x%2, expected 0x%3")
-                                 .arg(i)
-                                 .arg(quint32(results.at(i)), 8, 16, QLatin1Char('0'))
-                                 .arg(quint32(steps.at(i).expected), 8, 16, QLatin1Char('0'))));
-    }
+    QVector<HRESULT> expected;
+    for (const Step &step : steps)
+        expected.append(step.expected);
+    QCOMPARE(results, expected);
 }
 
 void tst_Apartment::countsPerThread()
