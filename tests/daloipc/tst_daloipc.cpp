@@ -14,6 +14,13 @@
 
 using namespace zyl::dalo;
 
+static bool serviceAnswers()
+{
+    QLocalSocket probe;
+    probe.connectToServer(DaloConfig::socketName());
+    return probe.waitForConnected(100);
+}
+
 // Records every reply the library delivers.
 class Receiver : public QObject {
     Q_OBJECT
@@ -63,8 +70,7 @@ private slots:
     void openAndCache();
     void followsTheSignedInUser();
     void unreadableRequestsKeepTheServiceRunning();
-    void refusedCalls();
-    void receiverGoneGetsNoCall();
+    void refusedCallsAndGoneReceivers();
     void unreachableService_data();
     void unreachableService();
     void startsServiceOnDemand();
@@ -119,18 +125,7 @@ bool tst_DaloIpc::startService(const QString &user)
     m_service->setProcessChannelMode(QProcess::ForwardedChannels);
     m_service->start(DALODRIVE_EXE, {"--socket", DaloConfig::socketName(), "--drive", DaloConfig::driveRoot(),
                                      "--user", user, "--control-stdin", "--open-with", "true"});
-    if (!m_service->waitForStarted())
-        return false;
-    QLocalSocket probe;
-    QElapsedTimer waited;
-    waited.start();
-    do {
-        probe.connectToServer(DaloConfig::socketName());
-        if (probe.waitForConnected(100))
-            return true;
-        QTest::qWait(20);
-    } while (waited.elapsed() < 5000);
-    return false;
+    return m_service->waitForStarted() && QTest::qWaitFor(serviceAnswers, 5000);
 }
 
 QString tst_DaloIpc::upload(Receiver &receiver, const QString &user, const QString &cloudPath,
@@ -163,24 +158,22 @@ void tst_DaloIpc::upload_data()
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("landed");
 
+    // The service runs for alice; @ stands for the test's folder, and escape/ is a link out of the drive.
+    const auto refused = [](const char *tag, const char *user, const char *path, const char *source, bool create,
+                            int code = DaloResultCode::FailedOnInvalidParameters) {
+        QTest::newRow(tag) << user << path << source << create << code << QString();
+    };
     QTest::newRow("lands_in_user_folder") << "alice" << "cloudapp/documentmerger" << "a.docx" << true
                                           << int(DaloResultCode::Succeeded) << "cloudapp/documentmerger/a.docx";
     QTest::newRow("dot_steps_are_dropped") << "alice" << "./cloudapp//x/." << "a.docx" << true
                                            << int(DaloResultCode::Succeeded) << "cloudapp/x/a.docx";
-    QTest::newRow("missing_folder_without_create") << "alice" << "cloudapp" << "a.docx" << false
-                                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("missing_source") << "alice" << "cloudapp" << "gone.docx" << true
-                                    << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("empty_path") << "alice" << "" << "a.docx" << true
-                                << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("climbing_path") << "alice" << "cloudapp/../../bob" << "a.docx" << true
-                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("absolute_path") << "alice" << "@/outside" << "a.docx" << true
-                                   << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("link_leading_out") << "alice" << "escape/x" << "a.docx" << true
-                                      << int(DaloResultCode::FailedOnInvalidParameters) << "";
-    QTest::newRow("other_user") << "bob" << "cloudapp" << "a.docx" << true
-                                << int(DaloResultCode::FailedOnAccountChanged) << "";
+    refused("missing_folder_without_create", "alice", "cloudapp", "a.docx", false);
+    refused("missing_source", "alice", "cloudapp", "gone.docx", true);
+    refused("empty_path", "alice", "", "a.docx", true);
+    refused("climbing_path", "alice", "cloudapp/../../bob", "a.docx", true);
+    refused("absolute_path", "alice", "@/outside", "a.docx", true);
+    refused("link_leading_out", "alice", "escape/x", "a.docx", true);
+    refused("other_user", "bob", "cloudapp", "a.docx", true, DaloResultCode::FailedOnAccountChanged);
 }
 
 void tst_DaloIpc::upload()
@@ -311,9 +304,7 @@ void tst_DaloIpc::followsTheSignedInUser()
 
     drive.stop();
     QVERIFY(!drive.isRunning());
-    QLocalSocket probe;
-    probe.connectToServer(DaloConfig::socketName());
-    QVERIFY(!probe.waitForConnected(100));
+    QVERIFY(!serviceAnswers());
 }
 
 void tst_DaloIpc::unreadableRequestsKeepTheServiceRunning()
@@ -361,7 +352,7 @@ void tst_DaloIpc::unreadableRequestsKeepTheServiceRunning()
     QCOMPARE(waitForReply(receiver).code, int(DaloResultCode::Succeeded));
 }
 
-void tst_DaloIpc::refusedCalls()
+void tst_DaloIpc::refusedCallsAndGoneReceivers()
 {
     QVERIFY(startService("alice"));
     Receiver receiver;
@@ -382,19 +373,15 @@ void tst_DaloIpc::refusedCalls()
     // Replies come from the event loop, never during the call.
     QVERIFY(receiver.replies.isEmpty());
     QTRY_COMPARE_WITH_TIMEOUT(receiver.replies.size(), 2, 10000);
-}
 
-void tst_DaloIpc::receiverGoneGetsNoCall()
-{
-    QVERIFY(startService("alice"));
+    // A receiver destroyed before its reply arrives is not called.
     int deliveries = 0;
     auto *gone = new Receiver;
     gone->deliveries = &deliveries;
-    QVERIFY(!upload(*gone, "alice", "c", {m_source}).isEmpty());
+    QVERIFY(!this->upload(*gone, "alice", "c", {m_source}).isEmpty());
     delete gone;
-    Receiver witness;
-    witness.deliveries = &deliveries;
-    upload(witness, "alice", "c", {m_source});
+    receiver.deliveries = &deliveries;
+    this->upload(receiver, "alice", "c", {m_source});
     QTRY_COMPARE_WITH_TIMEOUT(deliveries, 1, 10000);
     QTRY_COMPARE(QDir(userFolder("alice") + "/c").entryList(QDir::Files).size(), 2);
     QTest::qWait(100);
@@ -439,12 +426,7 @@ void tst_DaloIpc::startsServiceOnDemand()
     QVERIFY(reply.ok);
     QCOMPARE(reply.code, int(DaloResultCode::Succeeded));
     // Left alone, it goes by itself.
-    const auto answers = [] {
-        QLocalSocket probe;
-        probe.connectToServer(DaloConfig::socketName());
-        return probe.waitForConnected(100);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(!answers(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!serviceAnswers(), 10000);
 }
 
 QTEST_MAIN(tst_DaloIpc)

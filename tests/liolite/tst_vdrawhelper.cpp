@@ -46,25 +46,13 @@ private slots:
 
     void loadIcon_modes_data();
     void loadIcon_modes();
-    void loadIcon_unknownModeFallsBackToNormalImage();
-    void loadIcon_followsTheme();
-
-    void iconSetsUsedByTheAddOn_data();
+    void loadIcon_imagesPerModeAndTheme();
     void iconSetsUsedByTheAddOn();
-
     void spinBoxArrowImages_data();
     void spinBoxArrowImages();
-
-    void getColorFromTheme_data();
     void getColorFromTheme();
-    void getColorFromTheme_defaults_data();
-    void getColorFromTheme_defaults();
     void themesDefineTheSameClassesAndKeys();
-
-    void getObjectThemeClassName_data();
     void getObjectThemeClassName();
-
-    void checkCleanSurface_data();
     void checkCleanSurface();
 };
 
@@ -81,55 +69,46 @@ void tst_VDrawHelper::cleanup()
 void tst_VDrawHelper::loadIcon_modes_data()
 {
     QTest::addColumn<QString>("iconSet");
-    QTest::addColumn<bool>("isNull");
-    // Which of Normal, Active, Selected, Disabled have an image of their own.
-    QTest::addColumn<QList<bool>>("own");
+    // Which of Normal, Active, Selected, Disabled have an image of their own; none: a null icon.
+    QTest::addColumn<QString>("own");
 
-    QTest::newRow("one_name") << "vmsort_button_normal" << false << QList<bool>{true, false, false, false};
-    QTest::newRow("one_name_trailing_separator") << "vmsort_button_asce;" << false
-                                                 << QList<bool>{true, false, false, false};
-    QTest::newRow("two_names") << "vmmore_normal;vmmore_hover" << false << QList<bool>{true, true, false, false};
-    QTest::newRow("three_names_trailing_separator")
-        << "vmreload_normal;vmreload_hover;vmreload_click;" << false << QList<bool>{true, true, true, false};
-    QTest::newRow("four_names")
-        << "vmclear_select_button_normal;vmclear_select_button_hover;vmclear_select_button_click;"
-           "vmclear_select_button_disable"
-        << false << QList<bool>{true, true, true, true};
-    QTest::newRow("four_names_trailing_separator")
-        << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;" << false << QList<bool>{true, true, true, true};
-    QTest::newRow("empty_hover_name") << "vmmore_normal;;vmmore_click" << false << QList<bool>{true, false, true, false};
-    QTest::newRow("empty_normal_name") << ";vmmore_hover" << false << QList<bool>{false, true, false, false};
-    QTest::newRow("unknown_hover_name") << "vmmore_normal;no_such_image;vmmore_click" << false
-                                        << QList<bool>{true, false, true, false};
-    QTest::newRow("names_with_spaces") << " vmmore_normal ; vmmore_hover " << false
-                                       << QList<bool>{true, true, false, false};
-    QTest::newRow("fifth_name_ignored") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;vmmore_normal"
-                                        << false << QList<bool>{true, true, true, true};
-    QTest::newRow("empty_string") << "" << true << QList<bool>{false, false, false, false};
-    QTest::newRow("only_separators") << ";;;" << true << QList<bool>{false, false, false, false};
-    QTest::newRow("unknown_name") << "no_such_image" << true << QList<bool>{false, false, false, false};
-    QTest::newRow("path_like_name") << "../themes/light" << true << QList<bool>{false, false, false, false};
+    QTest::newRow("one_name") << "vmsort_button_normal" << "1000";
+    QTest::newRow("one_name_trailing_separator") << "vmsort_button_asce;" << "1000";
+    QTest::newRow("two_names") << "vmmore_normal;vmmore_hover" << "1100";
+    QTest::newRow("three_names_trailing_separator") << "vmreload_normal;vmreload_hover;vmreload_click;" << "1110";
+    QTest::newRow("four_names") << "vmclear_select_button_normal;vmclear_select_button_hover;"
+                                   "vmclear_select_button_click;vmclear_select_button_disable" << "1111";
+    QTest::newRow("four_names_trailing_separator") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;" << "1111";
+    QTest::newRow("empty_hover_name") << "vmmore_normal;;vmmore_click" << "1010";
+    QTest::newRow("empty_normal_name") << ";vmmore_hover" << "0100";
+    QTest::newRow("unknown_hover_name") << "vmmore_normal;no_such_image;vmmore_click" << "1010";
+    QTest::newRow("names_with_spaces") << " vmmore_normal ; vmmore_hover " << "1100";
+    QTest::newRow("fifth_name_ignored") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;vmmore_normal" << "1111";
+    QTest::newRow("empty_string") << "" << "0000";
+    QTest::newRow("only_separators") << ";;;" << "0000";
+    QTest::newRow("unknown_name") << "no_such_image" << "0000";
+    QTest::newRow("path_like_name") << "../themes/light" << "0000";
 }
 
 void tst_VDrawHelper::loadIcon_modes()
 {
     QFETCH(QString, iconSet);
-    QFETCH(bool, isNull);
-    QFETCH(QList<bool>, own);
+    QFETCH(QString, own);
 
     const QIcon icon = VDrawHelper::loadIcon(iconSet);
-    QCOMPARE(icon.isNull(), isNull);
+    QCOMPARE(icon.isNull(), own == QLatin1String("0000"));
     const QList<QIcon::Mode> modes = allModes();
     for (int i = 0; i < modes.size(); ++i) {
-        QCOMPARE(!icon.availableSizes(modes[i], QIcon::Off).isEmpty(), own[i]);
+        const bool hasOwn = own[i] == QLatin1Char('1');
+        QCOMPARE(!icon.availableSizes(modes[i], QIcon::Off).isEmpty(), hasOwn);
         // The state does not choose the image: checked boxes paint with On.
-        QCOMPARE(!icon.availableSizes(modes[i], QIcon::On).isEmpty(), own[i]);
+        QCOMPARE(!icon.availableSizes(modes[i], QIcon::On).isEmpty(), hasOwn);
     }
-    if (!isNull && own[0])
+    if (own.startsWith(QLatin1Char('1')))
         QVERIFY(!icon.pixmap(QSize(16, 16)).isNull());
 }
 
-void tst_VDrawHelper::loadIcon_unknownModeFallsBackToNormalImage()
+void tst_VDrawHelper::loadIcon_imagesPerModeAndTheme()
 {
     // Each mode of the four-name set has its own colour; a mode without an image shows Normal's.
     const QIcon full = VDrawHelper::loadIcon(
@@ -140,28 +119,23 @@ void tst_VDrawHelper::loadIcon_unknownModeFallsBackToNormalImage()
     QVERIFY(normal.isValid());
     QVERIFY(normal != hover);
     QVERIFY(hover != pressed);
-
     const QIcon partial = VDrawHelper::loadIcon(QStringLiteral("vmmore_normal;;vmmore_click"));
     QCOMPARE(inkOf(partial, QIcon::Active), normal);
     QCOMPARE(inkOf(partial, QIcon::Selected), pressed);
     QVERIFY(!partial.pixmap(QSize(16, 16), QIcon::Disabled).isNull());
-}
 
-void tst_VDrawHelper::loadIcon_followsTheme()
-{
+    // Grey strokes get lighter on the dark theme, also for icons made before the switch.
     const QIcon icon = VDrawHelper::loadIcon(QStringLiteral("vmopendir_item_normal"));
     const QColor light = inkOf(icon, QIcon::Normal);
     QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
     const QColor dark = inkOf(icon, QIcon::Normal);
     QVERIFY(light.isValid() && dark.isValid());
-    // Grey strokes get lighter on the dark theme, also for icons made before the switch.
     QVERIFY2(dark.lightness() > light.lightness() + 40,
              qPrintable(QStringLiteral("%1 vs %2").arg(light.name(), dark.name())));
 }
 
-void tst_VDrawHelper::iconSetsUsedByTheAddOn_data()
+void tst_VDrawHelper::iconSetsUsedByTheAddOn()
 {
-    QTest::addColumn<QString>("iconSet");
     const QStringList sets = {
         "home_addfile;home_addfile_hover;home_addfile_click",
         "vmaddfile_button_normal;vmaddfile_button_hover;vmaddfile_button_click",
@@ -181,27 +155,20 @@ void tst_VDrawHelper::iconSetsUsedByTheAddOn_data()
         "vmcheckbox_checked",
         "vmcheckbox_partchecked",
     };
-    for (const QString& theme : VLiteStyle::availableThemes()) {
-        for (const QString& set : sets)
-            QTest::newRow(qPrintable(theme + QLatin1Char(':') + set.section(QLatin1Char(';'), 0, 0)))
-                << theme + QLatin1Char('|') + set;
-    }
-}
-
-void tst_VDrawHelper::iconSetsUsedByTheAddOn()
-{
-    QFETCH(QString, iconSet);
-    const QString theme = iconSet.section(QLatin1Char('|'), 0, 0);
-    const QString set = iconSet.section(QLatin1Char('|'), 1);
-    QVERIFY(VLiteStyle::setTheme(theme));
-    const QIcon icon = VDrawHelper::loadIcon(set);
-    QVERIFY(!icon.isNull());
-    const QStringList names = set.split(QLatin1Char(';'), Qt::SkipEmptyParts);
     const QList<QIcon::Mode> modes = allModes();
-    for (int i = 0; i < names.size(); ++i) {
-        QVERIFY2(!VDrawHelper::iconPath(names[i]).isEmpty(), qPrintable(names[i]));
-        QVERIFY2(!icon.availableSizes(modes[i]).isEmpty(), qPrintable(names[i]));
-        QVERIFY2(!icon.pixmap(QSize(16, 16), modes[i]).isNull(), qPrintable(names[i]));
+    for (const QString& theme : VLiteStyle::availableThemes()) {
+        QVERIFY(VLiteStyle::setTheme(theme));
+        for (const QString& set : sets) {
+            const QIcon icon = VDrawHelper::loadIcon(set);
+            QVERIFY2(!icon.isNull(), qPrintable(theme + QLatin1Char(' ') + set));
+            const QStringList names = set.split(QLatin1Char(';'), Qt::SkipEmptyParts);
+            for (int i = 0; i < names.size(); ++i) {
+                const QString where = theme + QLatin1Char(' ') + names[i];
+                QVERIFY2(!VDrawHelper::iconPath(names[i]).isEmpty(), qPrintable(where));
+                QVERIFY2(!icon.availableSizes(modes[i]).isEmpty(), qPrintable(where));
+                QVERIFY2(!icon.pixmap(QSize(16, 16), modes[i]).isNull(), qPrintable(where));
+            }
+        }
     }
 }
 
@@ -247,13 +214,10 @@ void tst_VDrawHelper::spinBoxArrowImages()
     QCOMPARE(inkAtTopRow < inkAtBottomRow, pointsUp);
 }
 
-void tst_VDrawHelper::getColorFromTheme_data()
+void tst_VDrawHelper::getColorFromTheme()
 {
-    QTest::addColumn<QString>("themeClass");
-    QTest::addColumn<QString>("key");
-
     // Every look-up the add-on makes must be answered by both themes.
-    const QList<QPair<QString, QString>> lookups = {
+    const QList<QPair<QString, QString>> known = {
         {"VxContentListArea", "scroll-handle"},
         {"VxContentListArea", "scroll-handle-hover"},
         {"VxContentListArea", "scroll-handle-down"},
@@ -275,45 +239,23 @@ void tst_VDrawHelper::getColorFromTheme_data()
         {"VMFifleTableContentItem", "border"},
         {"VSeparatorLine", VDrawHelper::Prop_Content},
     };
-    for (const auto& lookup : lookups)
-        QTest::newRow(qPrintable(lookup.first + QLatin1Char('/') + lookup.second)) << lookup.first << lookup.second;
-}
-
-void tst_VDrawHelper::getColorFromTheme()
-{
-    QFETCH(QString, themeClass);
-    QFETCH(QString, key);
+    // Unknown ones, and classes that only carry a look, give the caller's default.
+    const QList<QPair<QString, QString>> unknown = {
+        {"NoSuchClass", "border"}, {"VMSpinBox", "no-such-key"}, {"", "content"},
+        {"VMSpinBox", ""},         {"vmspinbox", "border"},      {"VLiteButton_Icon", "background"},
+    };
     const QColor sentinel(1, 2, 3, 4);
-
-    const QColor light = VDrawHelper::getColorFromTheme(themeClass, key, sentinel);
-    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
-    const QColor dark = VDrawHelper::getColorFromTheme(themeClass, key, sentinel);
-
-    QVERIFY(light.isValid());
-    QVERIFY(light != sentinel);
-    QVERIFY(dark != sentinel);
-}
-
-void tst_VDrawHelper::getColorFromTheme_defaults_data()
-{
-    QTest::addColumn<QString>("themeClass");
-    QTest::addColumn<QString>("key");
-    QTest::newRow("unknown_class") << "NoSuchClass" << "border";
-    QTest::newRow("unknown_key") << "VMSpinBox" << "no-such-key";
-    QTest::newRow("empty_class") << "" << "content";
-    QTest::newRow("empty_key") << "VMSpinBox" << "";
-    QTest::newRow("class_case_matters") << "vmspinbox" << "border";
-    QTest::newRow("look_only_class") << "VLiteButton_Icon" << "background";
-}
-
-void tst_VDrawHelper::getColorFromTheme_defaults()
-{
-    QFETCH(QString, themeClass);
-    QFETCH(QString, key);
     for (const QString& theme : VLiteStyle::availableThemes()) {
         QVERIFY(VLiteStyle::setTheme(theme));
-        QCOMPARE(VDrawHelper::getColorFromTheme(themeClass, key, QColor("#D7D9DE")), QColor("#D7D9DE"));
-        QCOMPARE(VDrawHelper::getColorFromTheme(themeClass, key, QColor()), QColor());
+        for (const auto& lookup : known) {
+            const QColor colour = VDrawHelper::getColorFromTheme(lookup.first, lookup.second, sentinel);
+            QVERIFY2(colour.isValid() && colour != sentinel,
+                     qPrintable(theme + QLatin1Char(' ') + lookup.first + QLatin1Char('/') + lookup.second));
+        }
+        for (const auto& lookup : unknown) {
+            QCOMPARE(VDrawHelper::getColorFromTheme(lookup.first, lookup.second, sentinel), sentinel);
+            QCOMPARE(VDrawHelper::getColorFromTheme(lookup.first, lookup.second, QColor()), QColor());
+        }
     }
 }
 
@@ -361,70 +303,40 @@ void tst_VDrawHelper::themesDefineTheSameClassesAndKeys()
     QCOMPARE(QSet<QString>(dark).subtract(light), QSet<QString>());
 }
 
-void tst_VDrawHelper::getObjectThemeClassName_data()
-{
-    QTest::addColumn<bool>("withObject");
-    QTest::addColumn<QVariant>("property");
-    QTest::addColumn<QString>("defaultClass");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("null_object") << false << QVariant() << "Fallback" << "Fallback";
-    QTest::newRow("no_property") << true << QVariant() << "Fallback" << "Fallback";
-    QTest::newRow("no_property_empty_default") << true << QVariant() << "" << "";
-    QTest::newRow("empty_property") << true << QVariant(QString()) << "Fallback" << "Fallback";
-    QTest::newRow("set_property") << true << QVariant(QStringLiteral("VMProgress")) << "Fallback" << "VMProgress";
-}
-
 void tst_VDrawHelper::getObjectThemeClassName()
 {
-    QFETCH(bool, withObject);
-    QFETCH(QVariant, property);
-    QFETCH(QString, defaultClass);
-    QFETCH(QString, expected);
-
+    const QString fallback = QStringLiteral("Fallback");
     QObject object;
-    if (property.isValid())
-        object.setProperty(VDrawHelper::ObjectThemeClassName, property);
-    QCOMPARE(VDrawHelper::getObjectThemeClassName(withObject ? &object : nullptr, defaultClass), expected);
-}
-
-void tst_VDrawHelper::checkCleanSurface_data()
-{
-    QTest::addColumn<QString>("setup");
-    QTest::addColumn<bool>("expected");
-    QTest::newRow("null_widget") << "null" << false;
-    QTest::newRow("plain_window") << "window" << true;
-    QTest::newRow("child_of_plain_window") << "child" << true;
-    QTest::newRow("child_of_translucent_window") << "translucent" << false;
-    QTest::newRow("filled_child_of_translucent_window") << "translucent_filled" << true;
-    QTest::newRow("grandchild_of_filled_parent_in_translucent_window") << "translucent_filled_parent" << true;
-    QTest::newRow("styled_child_of_translucent_window") << "translucent_styled" << true;
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(nullptr, fallback), fallback);
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, QString()), QString());
+    object.setProperty(VDrawHelper::ObjectThemeClassName, QString());
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
+    object.setProperty(VDrawHelper::ObjectThemeClassName, QStringLiteral("VMProgress"));
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), QStringLiteral("VMProgress"));
 }
 
 void tst_VDrawHelper::checkCleanSurface()
 {
-    QFETCH(QString, setup);
-    QFETCH(bool, expected);
-
     QWidget window;
     auto* parent = new QWidget(&window);
     auto* child = new QWidget(parent);
-    const QWidget* probe = child;
-    if (setup == QLatin1String("null"))
-        probe = nullptr;
-    else if (setup == QLatin1String("window"))
-        probe = &window;
-    if (setup.startsWith(QLatin1String("translucent")))
-        window.setAttribute(Qt::WA_TranslucentBackground);
-    if (setup == QLatin1String("translucent_filled"))
-        child->setAutoFillBackground(true);
-    if (setup == QLatin1String("translucent_filled_parent"))
-        parent->setAutoFillBackground(true);
-    if (setup == QLatin1String("translucent_styled")) {
-        child->setAttribute(Qt::WA_StyledBackground);
-        child->setStyleSheet(QStringLiteral("background: white;"));
-    }
-    QCOMPARE(VDrawHelper::checkCleanSurface(probe), expected);
+    QVERIFY(!VDrawHelper::checkCleanSurface(nullptr));
+    QVERIFY(VDrawHelper::checkCleanSurface(&window));
+    QVERIFY(VDrawHelper::checkCleanSurface(child));
+    window.setAttribute(Qt::WA_TranslucentBackground);
+    QVERIFY(!VDrawHelper::checkCleanSurface(child));
+    // Something between the child and the translucent window that paints its background.
+    parent->setAutoFillBackground(true);
+    QVERIFY(VDrawHelper::checkCleanSurface(child));
+    parent->setAutoFillBackground(false);
+    child->setAutoFillBackground(true);
+    QVERIFY(VDrawHelper::checkCleanSurface(child));
+    child->setAutoFillBackground(false);
+    child->setAttribute(Qt::WA_StyledBackground);
+    QVERIFY(!VDrawHelper::checkCleanSurface(child));
+    child->setStyleSheet(QStringLiteral("background: white;"));
+    QVERIFY(VDrawHelper::checkCleanSurface(child));
 }
 
 QTEST_MAIN(tst_VDrawHelper)

@@ -51,12 +51,9 @@ private slots:
 
     void exec_result_data();
     void exec_result();
-    void exec_resetsClickedButtonBetweenRuns();
     void buttons_defaultsAndUnknownKinds();
     void customContentWidget_replacesText();
-    void titleDrag_data();
-    void titleDrag();
-    void themeSwitch_restylesOpenDialog();
+    void openDialog_restylesAndDrags();
     void frame_borderVisibleAtEveryScale_data();
     void frame_borderVisibleAtEveryScale();
 };
@@ -96,12 +93,11 @@ void tst_VLiteContentDlg::exec_result()
     VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
     dlg.setTitle(QStringLiteral("Merge complete"));
     dlg.setContent(QStringLiteral("/home/user/Documents/Report(1).docx"));
-    dlg.setButtonText(0, QStringLiteral("open file"));
-    dlg.setButtonResult(0, 1);
-    dlg.setButtonText(1, QStringLiteral("open directory"));
-    dlg.setButtonResult(1, 7);
-    dlg.setButtonText(2, QStringLiteral("later"));
-    dlg.setButtonResult(2, 9);
+    const char* texts[] = {"open file", "open directory", "later"};
+    for (int kind = 0; kind < 3; ++kind) {
+        dlg.setButtonText(kind, QString::fromLatin1(texts[kind]));
+        dlg.setButtonResult(kind, QList<int>{1, 7, 9}[kind]);
+    }
     dlg.setButtonVisible(2, true);
 
     whenShown(&dlg, [&dlg, action] {
@@ -121,15 +117,8 @@ void tst_VLiteContentDlg::exec_result()
     QCOMPARE(dlg.exec(), expectedResult);
     QCOMPARE(dlg.clickedButton(), expectedButton);
     QVERIFY(!dlg.isVisible());
-}
 
-void tst_VLiteContentDlg::exec_resetsClickedButtonBetweenRuns()
-{
-    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
-    whenShown(&dlg, [&dlg] { QTest::mouseClick(dlg.button(1), Qt::LeftButton); });
-    QCOMPARE(dlg.exec(), int(QDialog::Rejected));
-    QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnCancel));
-
+    // The next run starts without a clicked button.
     whenShown(&dlg, [&dlg] { QTest::keyClick(&dlg, Qt::Key_Escape); });
     QCOMPARE(dlg.exec(), 2);
     QCOMPARE(dlg.clickedButton(), int(VLiteContentDlg::BtnNone));
@@ -196,43 +185,12 @@ void tst_VLiteContentDlg::customContentWidget_replacesText()
     QCOMPARE(dlg.content(), QStringLiteral("text"));
 }
 
-void tst_VLiteContentDlg::titleDrag_data()
-{
-    QTest::addColumn<bool>("hitTest");
-    QTest::newRow("hit_test_on_moves") << true;
-    QTest::newRow("hit_test_off_stays") << false;
-}
-
-void tst_VLiteContentDlg::titleDrag()
-{
-    QFETCH(bool, hitTest);
-    VLiteContentDlg dlg(nullptr, VLiteContentDlg::IconNone);
-    dlg.setTitleHitTest(hitTest);
-    dlg.move(100, 100);
-    dlg.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
-    const QPoint start = dlg.pos();
-
-    auto* title = dlg.findChild<QLabel*>(QStringLiteral("vlite_dlg_title"));
-    QVERIFY(title);
-    const QPoint grab(5, title->height() / 2);
-    QTest::mousePress(title, Qt::LeftButton, Qt::NoModifier, grab);
-    QMouseEvent move(QEvent::MouseMove, grab + QPoint(40, 25), title->mapToGlobal(grab + QPoint(40, 25)),
-                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(title, &move);
-    QTest::mouseRelease(title, Qt::LeftButton, Qt::NoModifier, grab + QPoint(40, 25));
-
-    if (hitTest)
-        QTRY_COMPARE(dlg.pos(), start + QPoint(40, 25));
-    else
-        QCOMPARE(dlg.pos(), start);
-}
-
-void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
+void tst_VLiteContentDlg::openDialog_restylesAndDrags()
 {
     CountingDlg dlg(nullptr, VLiteContentDlg::IconFailure);
     dlg.setTitle(QStringLiteral("Merge failed"));
     dlg.setContent(QStringLiteral("Failed to merge the current document, Please set it again"));
+    dlg.move(100, 100);
     dlg.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dlg));
     const int before = dlg.styleChanges;
@@ -259,6 +217,24 @@ void tst_VLiteContentDlg::themeSwitch_restylesOpenDialog()
     QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
     QCOMPARE(dlg.styleChanges, before + 2);
     QTRY_COMPARE(pixelAt(&dlg, inside), lightSurface);
+
+    // Dragging the title moves the dialog only while the title takes the hit test.
+    const QPoint grab(5, title->height() / 2);
+    const QPoint by(40, 25);
+    const auto drag = [&] {
+        QTest::mousePress(title, Qt::LeftButton, Qt::NoModifier, grab);
+        QMouseEvent move(QEvent::MouseMove, grab + by, title->mapToGlobal(grab + by), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(title, &move);
+        QTest::mouseRelease(title, Qt::LeftButton, Qt::NoModifier, grab + by);
+    };
+    const QPoint start = dlg.pos();
+    dlg.setTitleHitTest(false);
+    drag();
+    QCOMPARE(dlg.pos(), start);
+    dlg.setTitleHitTest(true);
+    drag();
+    QTRY_COMPARE(dlg.pos(), start + by);
 }
 
 void tst_VLiteContentDlg::frame_borderVisibleAtEveryScale_data()

@@ -24,11 +24,7 @@ private slots:
 
     void setTheme_data();
     void setTheme();
-    void setTheme_sameThemeIsSilent();
     void themeSwitch_restylesShownWidgets();
-    void themeSwitch_keepsAppliedClassPerWidget();
-    void themeLook_scalesPixelSizes_data();
-    void themeLook_scalesPixelSizes();
     void ownerStyleSheet_data();
     void ownerStyleSheet();
 };
@@ -54,14 +50,16 @@ void tst_VLiteStyle::scaledHelpers_data()
     QTest::addColumn<QSize>("scaledSize");
     QTest::addColumn<QMargins>("margins");
     QTest::addColumn<QMargins>("scaledMargins");
+    // Pixel sizes in looks are scaled too: VMStyleLabel is written with a 12px font.
+    QTest::addColumn<int>("lookFontPixels");
 
     QTest::newRow("factor_1.25_truncates") << 1.25 << 3.0 << 3.75 << QSize(372, 7) << QSize(465, 8)
-                                           << QMargins(28, 1, 3, 5) << QMargins(35, 1, 3, 6);
+                                           << QMargins(28, 1, 3, 5) << QMargins(35, 1, 3, 6) << 15;
     QTest::newRow("factor_2") << 2.0 << 0.5 << 1.0 << QSize(0, 1) << QSize(0, 2)
-                              << QMargins(-1, 2, 3, 4) << QMargins(-2, 4, 6, 8);
+                              << QMargins(-1, 2, 3, 4) << QMargins(-2, 4, 6, 8) << 24;
     QTest::newRow("factor_1.75_negative_truncates_toward_zero") << 1.75 << -3.0 << -5.25 << QSize(3, 5)
                                                                << QSize(5, 8) << QMargins(-3, 0, 0, 0)
-                                                               << QMargins(-5, 0, 0, 0);
+                                                               << QMargins(-5, 0, 0, 0) << 21;
 }
 
 void tst_VLiteStyle::scaledHelpers()
@@ -78,6 +76,10 @@ void tst_VLiteStyle::scaledHelpers()
     QCOMPARE(VLiteStyle::dpiScaled(length), scaledLength);
     QCOMPARE(VLiteStyle::dpiScaledSize(size.width(), size.height()), scaledSize);
     QCOMPARE(VLiteStyle::dpiScaledMargins(margins), scaledMargins);
+    VLiteLabel label(QStringLiteral("page count"));
+    label.applyThemeClass(QStringLiteral("VMStyleLabel"));
+    label.ensurePolished();
+    QTEST(label.font().pixelSize(), "lookFontPixels");
 }
 
 void tst_VLiteStyle::setTheme_data()
@@ -87,6 +89,7 @@ void tst_VLiteStyle::setTheme_data()
     QTest::addColumn<int>("signalCount");
     QTest::addColumn<QString>("finalTheme");
 
+    QTest::newRow("same_theme_is_silent") << QStringList{"light"} << QList<bool>{true} << 0 << "light";
     QTest::newRow("light_to_dark") << QStringList{"dark"} << QList<bool>{true} << 1 << "dark";
     QTest::newRow("dark_and_back") << QStringList{"dark", "light"} << QList<bool>{true, true} << 2 << "light";
     QTest::newRow("unknown_name_keeps_theme") << QStringList{"sepia"} << QList<bool>{false} << 0 << "light";
@@ -110,14 +113,6 @@ void tst_VLiteStyle::setTheme()
     QCOMPARE(VLiteStyle::themeName(), finalTheme);
 }
 
-void tst_VLiteStyle::setTheme_sameThemeIsSilent()
-{
-    QSignalSpy spy(VLiteStyle::notifier(), &VLiteThemeNotifier::themeChanged);
-    QVERIFY(spy.isValid());
-    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
-    QCOMPARE(spy.count(), 0);
-}
-
 void tst_VLiteStyle::themeSwitch_restylesShownWidgets()
 {
     VLiteWidget area;
@@ -125,6 +120,10 @@ void tst_VLiteStyle::themeSwitch_restylesShownWidgets()
     area.applyThemeClass(QStringLiteral("VMStyleWidget"));
     auto* label = new VLiteLabel(QStringLiteral("Selected:"), &area);
     label->applyThemeClass(QStringLiteral("VMCommonText02_Label"));
+    // Each widget keeps the class it was given, or its own.
+    auto* failed = new VLiteLabel(QStringLiteral("read fail"), &area);
+    failed->applyThemeClass(QStringLiteral("VMReadFail_Label"));
+    auto* plain = new VLiteLabel(QStringLiteral("-"), &area);
     area.show();
     QVERIFY(QTest::qWaitForWindowExposed(&area));
 
@@ -139,43 +138,11 @@ void tst_VLiteStyle::themeSwitch_restylesShownWidgets()
     const QColor darkBackground = area.grab().toImage().pixelColor(100, 80);
     QCOMPARE(darkBackground, VDrawHelper::getColorFromTheme("VMStyleWidget", "background", QColor()));
     QVERIFY(darkBackground.lightness() < lightBackground.lightness());
-}
-
-void tst_VLiteStyle::themeSwitch_keepsAppliedClassPerWidget()
-{
-    VLiteLabel plain(QStringLiteral("-"));
-    VLiteLabel failed(QStringLiteral("read fail"));
-    failed.applyThemeClass(QStringLiteral("VMReadFail_Label"));
-    plain.ensurePolished();
-    failed.ensurePolished();
-    QVERIFY(VLiteStyle::setTheme(QStringLiteral("dark")));
-    plain.ensurePolished();
-    failed.ensurePolished();
-    QCOMPARE(VDrawHelper::getObjectThemeClassName(&failed), QStringLiteral("VMReadFail_Label"));
-    QCOMPARE(failed.palette().color(QPalette::WindowText),
+    QCOMPARE(VDrawHelper::getObjectThemeClassName(failed), QStringLiteral("VMReadFail_Label"));
+    QCOMPARE(failed->palette().color(QPalette::WindowText),
              VDrawHelper::getColorFromTheme("VMReadFail_Label", "text", QColor()));
-    QCOMPARE(plain.palette().color(QPalette::WindowText),
+    QCOMPARE(plain->palette().color(QPalette::WindowText),
              VDrawHelper::getColorFromTheme("VLiteLabel", "text", QColor()));
-}
-
-void tst_VLiteStyle::themeLook_scalesPixelSizes_data()
-{
-    QTest::addColumn<double>("factor");
-    QTest::addColumn<int>("pixelSize");
-    // VMStyleLabel is written with a 12px font.
-    QTest::newRow("factor_1.25") << 1.25 << 15;
-    QTest::newRow("factor_2") << 2.0 << 24;
-}
-
-void tst_VLiteStyle::themeLook_scalesPixelSizes()
-{
-    QFETCH(double, factor);
-    QFETCH(int, pixelSize);
-    VLiteStyle::setScaleOverride(factor);
-    VLiteLabel label(QStringLiteral("page count"));
-    label.applyThemeClass(QStringLiteral("VMStyleLabel"));
-    label.ensurePolished();
-    QCOMPARE(label.font().pixelSize(), pixelSize);
 }
 
 void tst_VLiteStyle::ownerStyleSheet_data()

@@ -22,14 +22,10 @@ class tst_VAppHostWindow : public QObject {
     Q_OBJECT
 private slots:
     void init();
-    void mainWindowIsFoundByTypeCheck();
     void windowAnswersForItsContainer();
     void themeSwitchNotifiesSubscribers_data();
     void themeSwitchNotifiesSubscribers();
-    void unknownThemeRefused();
-    void accountMenuFollowsSignIn();
-    void missingClientWidgetShowsNotice();
-    void closingEmittedOnce();
+    void clientWidgetAccountMenuAndClosing();
 };
 
 void tst_VAppHostWindow::init()
@@ -38,51 +34,42 @@ void tst_VAppHostWindow::init()
     QVERIFY(VAppTheme::apply(QStringLiteral("light")));
 }
 
-void tst_VAppHostWindow::mainWindowIsFoundByTypeCheck()
-{
-    VAppContainer container;
-    QCOMPARE(container.mainWindow(), nullptr);
-    auto *window = new VAppHostWindow(&container);
-    container.setMainWindow(window);
-
-    AppFrameWork::IVAppContainer *asContainer = &container;
-    auto *found = dynamic_cast<VAppMainWindow *>(asContainer->mainWindow());
-    QCOMPARE(found, static_cast<VAppMainWindow *>(window));
-    QCOMPARE(window->mainWindow(), static_cast<AppFrameWork::IVAppContainer *>(window));
-
-    delete window;
-    QCOMPARE(container.mainWindow(), nullptr);
-}
-
 void tst_VAppHostWindow::windowAnswersForItsContainer()
 {
     QTemporaryDir dir;
     VAppContainer container;
     container.setUsageLogPath(dir.filePath("usage.jsonl"));
     container.setStartInfo(QStringLiteral("desk"), {QStringLiteral("/a.doc")});
-    VAppHostWindow window(&container);
-    container.setMainWindow(&window);
-    AppFrameWork::IVAppContainer *viaWindow = &window;
+    QCOMPARE(container.mainWindow(), nullptr);
+    auto *window = new VAppHostWindow(&container);
+    container.setMainWindow(window);
+    // The add-on finds the window by a type check on what the container hands out.
+    AppFrameWork::IVAppContainer *asContainer = &container;
+    QCOMPARE(dynamic_cast<VAppMainWindow *>(asContainer->mainWindow()), static_cast<VAppMainWindow *>(window));
+    QCOMPARE(window->mainWindow(), static_cast<AppFrameWork::IVAppContainer *>(window));
 
+    AppFrameWork::IVAppContainer *viaWindow = window;
     QCOMPARE(viaWindow->account(), container.account());
     QCOMPARE(viaWindow->startInfo(), container.startInfo());
     QCOMPARE(viaWindow->startInfo()->source, QStringLiteral("desk"));
-
     viaWindow->postEvent(QStringLiteral("vas_wordmerge_show"), {{"src", "desk"}});
     QFile log(dir.filePath("usage.jsonl"));
     QVERIFY(log.open(QIODevice::ReadOnly));
     QCOMPARE(log.readAll(), QByteArray("{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"desk\"}}\n"));
-
     SkinReceiver receiver;
     viaWindow->subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
     QCOMPARE(container.notify(QStringLiteral("SkinChanged"), {{"skin", "dark"}}), 1);
     QCOMPARE(receiver.received.size(), 1);
+
+    delete window;
+    QCOMPARE(container.mainWindow(), nullptr);
 }
 
 void tst_VAppHostWindow::themeSwitchNotifiesSubscribers_data()
 {
     QTest::addColumn<QString>("start");
-    QTest::addColumn<QStringList>("actions");   // "light"/"dark": menu action; "set:<name>": setTheme
+    // "light"/"dark": menu action; "set:<name>": setTheme; "bad:<name>": setTheme refused
+    QTest::addColumn<QStringList>("actions");
     QTest::addColumn<QStringList>("skins");     // the "skin" values notified, in order
 
     QTest::newRow("light_to_dark_by_menu") << "light" << QStringList{"dark"} << QStringList{"dark"};
@@ -92,6 +79,7 @@ void tst_VAppHostWindow::themeSwitchNotifiesSubscribers_data()
         << "light" << QStringList{"light", "set:light"} << QStringList();
     QTest::newRow("dark_start_then_light_by_call")
         << "dark" << QStringList{"set:light", "set:light"} << QStringList{"light"};
+    QTest::newRow("unknown_theme_refused") << "light" << QStringList{"bad:sepia"} << QStringList();
 }
 
 void tst_VAppHostWindow::themeSwitchNotifiesSubscribers()
@@ -112,10 +100,14 @@ void tst_VAppHostWindow::themeSwitchNotifiesSubscribers()
     QVERIFY(spy.isValid());
 
     for (const QString &action : actions) {
-        if (action.startsWith(QLatin1String("set:")))
+        if (action.startsWith(QLatin1String("set:"))) {
             QVERIFY(window.setTheme(action.mid(4)));
-        else
+        } else if (action.startsWith(QLatin1String("bad:"))) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unknown theme"));
+            QVERIFY(!window.setTheme(action.mid(4)));
+        } else {
             (action == QLatin1String("dark") ? window.darkThemeAction() : window.lightThemeAction())->trigger();
+        }
     }
 
     QCOMPARE(spy.count(), skins.size());
@@ -136,28 +128,25 @@ void tst_VAppHostWindow::themeSwitchNotifiesSubscribers()
              final == QLatin1String("dark"));
 }
 
-void tst_VAppHostWindow::unknownThemeRefused()
-{
-    VAppContainer container;
-    VAppHostWindow window(&container);
-    SkinReceiver receiver;
-    container.subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unknown theme"));
-    QVERIFY(!window.setTheme(QStringLiteral("sepia")));
-    QVERIFY(receiver.received.isEmpty());
-    QCOMPARE(VAppTheme::current(), QStringLiteral("light"));
-}
-
-void tst_VAppHostWindow::accountMenuFollowsSignIn()
+void tst_VAppHostWindow::clientWidgetAccountMenuAndClosing()
 {
     VAppContainer container;
     VAppHostWindow window(&container);
     container.setMainWindow(&window);
+    window.setClientWidget(nullptr);
+    auto *notice = qobject_cast<QLabel *>(window.centralWidget());
+    QVERIFY(notice);
+    QVERIFY(!notice->text().isEmpty());
+    QPointer<QWidget> client = new QWidget;
+    window.setClientWidget(client);
+    QCOMPARE(window.centralWidget(), client.data());
+    QCOMPARE(client->parentWidget(), &window);
+
+    QSignalSpy closing(&window, &VAppHostWindow::closing);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QVERIFY(window.signInAction()->isEnabled());
     QVERIFY(!window.signOutAction()->isEnabled());
-
     window.signInAction()->trigger();
     VAppLoginDialog *dialog = container.hostAccount()->loginDialog();
     QVERIFY(dialog);
@@ -170,38 +159,15 @@ void tst_VAppHostWindow::accountMenuFollowsSignIn()
     AppFrameWork::VAppUserInfo info;
     container.account()->userInfo(info);
     QCOMPARE(info.userId, QStringLiteral("grace"));
-
     window.signOutAction()->trigger();
     QVERIFY(!container.account()->isLogin());
     QVERIFY(window.signInAction()->isEnabled());
-}
 
-void tst_VAppHostWindow::missingClientWidgetShowsNotice()
-{
-    VAppContainer container;
-    VAppHostWindow window(&container);
-    window.setClientWidget(nullptr);
-    auto *notice = qobject_cast<QLabel *>(window.centralWidget());
-    QVERIFY(notice);
-    QVERIFY(!notice->text().isEmpty());
-
-    QPointer<QWidget> client = new QWidget;
-    window.setClientWidget(client);
-    QCOMPARE(window.centralWidget(), client.data());
-    QCOMPARE(client->parentWidget(), &window);
-}
-
-void tst_VAppHostWindow::closingEmittedOnce()
-{
-    VAppContainer container;
-    VAppHostWindow window(&container);
-    QSignalSpy spy(&window, &VAppHostWindow::closing);
-    QVERIFY(spy.isValid());
-    window.show();
+    // Closed twice, the window tells once that it closes.
     QVERIFY(window.close());
     window.show();
     QVERIFY(window.close());
-    QCOMPARE(spy.count(), 1);
+    QCOMPARE(closing.count(), 1);
 }
 
 QTEST_MAIN(tst_VAppHostWindow)

@@ -16,16 +16,18 @@ namespace {
 std::atomic<int> s_liveObjects{0};
 std::atomic<int> s_factoriesCreated{0};
 
-class TestObject final : public IDispatch {
+// Counts itself among the live objects and answers IUnknown and the one interface it implements.
+template <typename Interface>
+class Counted : public Interface {
 public:
-    TestObject() { ++s_liveObjects; }
+    explicit Counted(REFIID iid) : m_iid(iid) { ++s_liveObjects; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override
     {
         if (!ppvObject)
             return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IDispatch) {
-            *ppvObject = static_cast<IDispatch *>(this);
+        if (riid == IID_IUnknown || riid == m_iid) {
+            *ppvObject = static_cast<Interface *>(this);
             AddRef();
             return S_OK;
         }
@@ -36,12 +38,23 @@ public:
     ULONG STDMETHODCALLTYPE Release() override
     {
         const ULONG left = --m_refs;
-        if (left == 0) {
-            --s_liveObjects;
+        if (left == 0)
             delete this;
-        }
         return left;
     }
+
+protected:
+    virtual ~Counted() { --s_liveObjects; }
+
+private:
+    const IID m_iid;
+    std::atomic<ULONG> m_refs{1};
+};
+
+class TestObject final : public Counted<IDispatch> {
+public:
+    TestObject() : Counted(IID_IDispatch) {}
+
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT *pctinfo) override
     {
         *pctinfo = 0;
@@ -53,12 +66,9 @@ public:
     {
         if (cNames != 1)
             return DISP_E_UNKNOWNNAME;
-        if (std::u16string(rgszNames[0]) == u"Answer") {
-            rgDispId[0] = 1;
-            return S_OK;
-        }
-        rgDispId[0] = DISPID_UNKNOWN;
-        return DISP_E_UNKNOWNNAME;
+        const bool known = std::u16string(rgszNames[0]) == u"Answer";
+        rgDispId[0] = known ? 1 : DISPID_UNKNOWN;
+        return known ? S_OK : DISP_E_UNKNOWNNAME;
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID dispIdMember, REFIID, LCID, WORD wFlags,
                                      DISPPARAMS *, VARIANT *pVarResult, EXCEPINFO *, UINT *) override
@@ -72,42 +82,12 @@ public:
         }
         return S_OK;
     }
-
-private:
-    ~TestObject() = default;
-    std::atomic<ULONG> m_refs{1};
 };
 
-class TestFactory final : public IClassFactory {
+class TestFactory final : public Counted<IClassFactory> {
 public:
-    TestFactory()
-    {
-        ++s_liveObjects;
-        ++s_factoriesCreated;
-    }
+    TestFactory() : Counted(IID_IClassFactory) { ++s_factoriesCreated; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppvObject) override
-    {
-        if (!ppvObject)
-            return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IClassFactory) {
-            *ppvObject = static_cast<IClassFactory *>(this);
-            AddRef();
-            return S_OK;
-        }
-        *ppvObject = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
-    ULONG STDMETHODCALLTYPE Release() override
-    {
-        const ULONG left = --m_refs;
-        if (left == 0) {
-            --s_liveObjects;
-            delete this;
-        }
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown *pUnkOuter, REFIID riid, void **ppvObject) override
     {
         if (!ppvObject)
@@ -121,10 +101,6 @@ public:
         return hr;
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
-private:
-    ~TestFactory() = default;
-    std::atomic<ULONG> m_refs{1};
 };
 
 } // namespace

@@ -11,9 +11,28 @@
 #include "host/ivappcontainer.h"
 #include "host/vappmainwindow.h"
 
-#include "proberecorder.h"
-
 namespace {
+
+// Receives the host's notifications by slot name and writes each back as a usage event.
+class ProbeRecorder : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    AppFrameWork::IVAppContainer *container = nullptr;
+
+    void record(const QString &name, const QVariantMap &params)
+    {
+        QHash<QString, QString> flat;
+        for (auto it = params.cbegin(); it != params.cend(); ++it)
+            flat.insert(it.key(), it.value().toString());
+        if (container)
+            container->postEvent(name, flat);
+    }
+
+public slots:
+    void onSkinChanged(QVariantMap params) { record(QStringLiteral("probe_skin_changed"), params); }
+    void onSecondInstance(QVariantMap params) { record(QStringLiteral("probe_second_instance"), params); }
+};
 
 QPointer<ProbeRecorder> g_recorder;
 
@@ -26,7 +45,7 @@ extern "C" Q_DECL_EXPORT bool Initialize(AppFrameWork::IVAppContainer *container
     auto *window = dynamic_cast<VAppMainWindow *>(container->mainWindow());
     if (!g_recorder)
         g_recorder = new ProbeRecorder(QCoreApplication::instance());
-    g_recorder->setContainer(container);
+    g_recorder->container = container;
 
     QHash<QString, QString> params;
     params.insert(QStringLiteral("main_window"), window ? QStringLiteral("VAppMainWindow")
@@ -62,6 +81,8 @@ extern "C" Q_DECL_EXPORT bool Destroy()
     if (!g_recorder)
         return false;
     g_recorder->record(QStringLiteral("probe_destroy"), QVariantMap());
-    g_recorder->setContainer(nullptr);
+    g_recorder->container = nullptr;
     return true;
 }
+
+#include "probeaddon.moc"
