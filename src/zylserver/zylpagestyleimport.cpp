@@ -14,6 +14,7 @@
 #include <com/sun/star/beans/PropertyAttribute.hpp>
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/beans/XMultiPropertySet.hpp>
+#include <com/sun/star/beans/XPropertyState.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
@@ -249,6 +250,55 @@ void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &e
 // A paragraph style of a name the target has too takes the target's definition on insertion, and
 // the text reflows. Each such style the body uses that the target defines otherwise is copied, with
 // every value it resolves to, under a name of its own. Returns whether any was.
+// Paragraph values that a paragraph may set directly over its style.
+std::vector<rtl::OUString> directParagraphNames(const uno::Reference<beans::XPropertySet> &paragraph)
+{
+    static const std::set<rtl::OUString> managed = {ou("ParaStyleName"), ou("ParaConditionalStyleName"),
+                                                    ou("ParaAutoStyleName"), ou("ParaIsNumberingRestart"),
+                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel")};
+    std::vector<rtl::OUString> names;
+    for (const rtl::OUString &name : writableNames(paragraph, managed)) {
+        if (name.startsWith("Para"))
+            names.push_back(name);
+    }
+    return names;
+}
+
+// Sets the paragraph's style and keeps what the paragraph sets directly: the office drops each
+// direct value that the new style defines too (a paragraph without spacing under a style with
+// spacing got the style's).
+void restyleParagraph(const uno::Reference<beans::XPropertySet> &paragraph, const rtl::OUString &style,
+                      const std::vector<rtl::OUString> &candidates)
+{
+    std::vector<rtl::OUString> names;
+    uno::Reference<beans::XPropertyState> states(paragraph, uno::UNO_QUERY);
+    if (states.is()) {
+        const uno::Sequence<beans::PropertyState> found =
+            states->getPropertyStates(uno::Sequence<rtl::OUString>(candidates.data(), sal_Int32(candidates.size())));
+        for (sal_Int32 i = 0; i < found.getLength(); ++i) {
+            if (found[i] == beans::PropertyState_DIRECT_VALUE)
+                names.push_back(candidates[size_t(i)]);
+        }
+    }
+    uno::Sequence<uno::Any> values;
+    if (!names.empty() && !bulkValues(paragraph, names, &values))
+        names.clear();
+    paragraph->setPropertyValue(ou("ParaStyleName"), uno::Any(style));
+    if (names.empty())
+        return;
+    try {
+        uno::Reference<beans::XMultiPropertySet>(paragraph, uno::UNO_QUERY_THROW)
+            ->setPropertyValues(uno::Sequence<rtl::OUString>(names.data(), sal_Int32(names.size())), values);
+    } catch (const uno::Exception &) {
+        for (size_t i = 0; i < names.size(); ++i) {
+            try {
+                paragraph->setPropertyValue(names[i], values[sal_Int32(i)]);
+            } catch (const uno::Exception &) {
+            }
+        }
+    }
+}
+
 bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
                          const std::vector<uno::Reference<beans::XPropertySet>> &elements,
                          const uno::Reference<text::XTextDocument> &target)
@@ -267,6 +317,7 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
                                            ou("ParaStyleConditions"), ou("NumberingStyleName"), ou("LinkStyle")};
     std::map<rtl::OUString, rtl::OUString> renamed;
     std::set<rtl::OUString> same;
+    std::vector<rtl::OUString> direct;
     for (const auto &paragraph : paragraphs) {
         const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
         if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name) || same.count(name))
@@ -292,8 +343,9 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
             found = renamed.emplace(name, fresh).first;
         }
         try {
-            // Direct formatting stays; only the style beneath it changes.
-            paragraph->setPropertyValue(ou("ParaStyleName"), uno::Any(found->second));
+            if (direct.empty())
+                direct = directParagraphNames(paragraph);
+            restyleParagraph(paragraph, found->second, direct);
         } catch (const uno::Exception &) {
         }
     }

@@ -136,10 +136,10 @@ private slots:
     void appendDocument_data();
     void appendDocument();
     void appendAfterCutThroughTable();
-    void appendTextBoxInHeader_data();
+    void appendMadeDocument_data();
     void cutWhileRecordingChanges_data();
     void cutWhileRecordingChanges();
-    void appendTextBoxInHeader();
+    void appendMadeDocument();
     void appendKeepsSourceLayout_data();
     void appendKeepsSourceLayout();
     void appendTakesTheFileAsItIs_data();
@@ -737,49 +737,73 @@ void tst_ZylServer::appendAfterCutThroughTable()
     QCOMPARE(texts.mid(2), QStringList({"second alpha", "second bravo", "second charlie"}));
 }
 
-void tst_ZylServer::appendTextBoxInHeader_data()
+namespace {
+
+const char *const kFlatHead =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+    "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
+    " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+    " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+    " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\""
+    " xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+    " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+    " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">";
+
+} // namespace
+
+void tst_ZylServer::appendMadeDocument_data()
 {
     QTest::addColumn<QString>("suffix");
-    QTest::newRow("zyl_source") << QStringLiteral("zyl");
-    QTest::newRow("docx_source") << QStringLiteral("docx");
+    QTest::addColumn<QByteArray>("flat");
+    QTest::addColumn<QString>("lastText");
+
+    // Inserting a document with a text box in its header ended the office.
+    const QByteArray textBox = QByteArray(kFlatHead)
+        + "<office:automatic-styles><style:page-layout style:name=\"L\"><style:page-layout-properties"
+          " fo:page-width=\"21cm\" fo:page-height=\"29.7cm\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\""
+          " fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/><style:header-style/></style:page-layout>"
+          "<style:style style:name=\"G\" style:family=\"graphic\" style:parent-style-name=\"Frame\">"
+          "<style:graphic-properties draw:fill=\"none\" fo:min-height=\"2cm\" fo:min-width=\"5cm\""
+          " style:vertical-pos=\"from-top\" style:vertical-rel=\"page-content\" style:horizontal-pos=\"from-left\""
+          " style:horizontal-rel=\"page-content\"/></style:style></office:automatic-styles>"
+          "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">"
+          "<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
+          " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
+          " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
+          " draw:enhanced-path=\"M 0 0 L ?f3 0 ?f3 ?f2 0 ?f2 Z N\"><draw:equation draw:name=\"f2\" draw:formula=\"logheight\"/>"
+          "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape>"
+          "</text:p></style:header></style:master-page></office:master-styles>"
+          "<office:body><office:text><text:p>source body</text:p></office:text></office:body></office:document>";
+    QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringLiteral("source body");
+    QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringLiteral("source body");
+    // Paragraphs without spacing under a style with much of it took the style's spacing when the
+    // style was renamed on its way in, and ran on over three pages.
+    QByteArray spaced = QByteArray(kFlatHead)
+        + "<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">"
+          "<style:paragraph-properties fo:margin-bottom=\"2cm\"/></style:style></office:styles>"
+          "<office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\" style:parent-style-name=\"Standard\">"
+          "<style:paragraph-properties fo:margin-top=\"0cm\" fo:margin-bottom=\"0cm\"/></style:style></office:automatic-styles>"
+          "<office:body><office:text>";
+    for (int line = 1; line <= 30; ++line)
+        spaced += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line).toUtf8();
+    spaced += "</office:text></office:body></office:document>";
+    QTest::newRow("direct_spacing_over_spaced_style_docx") << QStringLiteral("docx") << spaced << QStringLiteral("line 30");
 }
 
-void tst_ZylServer::appendTextBoxInHeader()
+void tst_ZylServer::appendMadeDocument()
 {
-    // Inserting a document with a text box in its header ended the office.
     QFETCH(QString, suffix);
-    const QString flat = m_dir.filePath(QStringLiteral("textbox.fodt"));
-    QFile file(flat);
+    QFETCH(QByteArray, flat);
+    QFETCH(QString, lastText);
+    const QString flatPath = m_dir.filePath(QStringLiteral("made.fodt"));
+    QFile file(flatPath);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
-        "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
-        " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
-        " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
-        " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\""
-        " xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
-        " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
-        " office:version=\"1.2\" office:mimetype=\"application/vnd.oasis.opendocument.text\">"
-        "<office:automatic-styles><style:page-layout style:name=\"L\"><style:page-layout-properties"
-        " fo:page-width=\"21cm\" fo:page-height=\"29.7cm\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\""
-        " fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/><style:header-style/></style:page-layout>"
-        "<style:style style:name=\"G\" style:family=\"graphic\" style:parent-style-name=\"Frame\">"
-        "<style:graphic-properties draw:fill=\"none\" fo:min-height=\"2cm\" fo:min-width=\"5cm\""
-        " style:vertical-pos=\"from-top\" style:vertical-rel=\"page-content\" style:horizontal-pos=\"from-left\""
-        " style:horizontal-rel=\"page-content\"/></style:style></office:automatic-styles>"
-        "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">"
-        "<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
-        " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
-        " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
-        " draw:enhanced-path=\"M 0 0 L ?f3 0 ?f3 ?f2 0 ?f2 Z N\"><draw:equation draw:name=\"f2\" draw:formula=\"logheight\"/>"
-        "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape>"
-        "</text:p></style:header></style:master-page></office:master-styles>"
-        "<office:body><office:text><text:p>source body</text:p></office:text></office:body></office:document>");
+    file.write(flat);
     file.close();
-    const QString source = m_dir.filePath(QStringLiteral("textbox.") + suffix);
+    const QString source = m_dir.filePath(QStringLiteral("made-%1.%2").arg(QTest::currentDataTag(), suffix));
     QFile::remove(source);
-    QVERIFY(ZylTestDocuments::convert(flat, source));
-    const QString target = m_dir.filePath(QStringLiteral("textbox-target.docx"));
+    QVERIFY(ZylTestDocuments::convert(flatPath, source));
+    const QString target = m_dir.filePath(QStringLiteral("made-target.docx"));
     QFile::remove(target);
     QVERIFY(QFile::copy(pageDoc(QStringLiteral("textbox-a.docx"), textPages({"target one"})), target));
 
@@ -793,7 +817,7 @@ void tst_ZylServer::appendTextBoxInHeader()
     QCOMPARE(A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)}), S_OK);
     const QStringList texts = ZylTestDocuments::pageTexts(target);
     QCOMPARE(texts.size(), 2);
-    QVERIFY2(texts[1].contains(QStringLiteral("source body")), qPrintable(texts[1]));
+    QVERIFY2(texts[1].contains(lastText), qPrintable(texts[1]));
 }
 
 void tst_ZylServer::cutWhileRecordingChanges_data()
