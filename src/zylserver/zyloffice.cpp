@@ -183,7 +183,7 @@ void watchForQuit()
     static std::once_flag once;
     std::call_once(once, [] {
         if (QCoreApplication *app = QCoreApplication::instance()) {
-            // Emitted on the main thread, which is where the flag is wanted first.
+            // Set as the main event loop ends; every watchdog reads it.
             QObject::connect(app, &QCoreApplication::aboutToQuit, [] {
                 long long none = 0;
                 s_quitAt.compare_exchange_strong(none, steadyMs());

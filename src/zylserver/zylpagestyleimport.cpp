@@ -247,9 +247,6 @@ void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &e
     }
 }
 
-// A paragraph style of a name the target has too takes the target's definition on insertion, and
-// the text reflows. Each such style the body uses that the target defines otherwise is copied, with
-// every value it resolves to, under a name of its own. Returns whether any was.
 // Paragraph values that a paragraph may set directly over its style.
 std::vector<rtl::OUString> directParagraphNames(const uno::Reference<beans::XPropertySet> &paragraph)
 {
@@ -299,6 +296,9 @@ void restyleParagraph(const uno::Reference<beans::XPropertySet> &paragraph, cons
     }
 }
 
+// A paragraph style of a name the target has too takes the target's definition on insertion, and
+// the text reflows. Each such style the body uses that the target defines otherwise is copied, with
+// every value it resolves to, under a name of its own. Returns whether any was.
 bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
                          const std::vector<uno::Reference<beans::XPropertySet>> &elements,
                          const uno::Reference<text::XTextDocument> &target)
