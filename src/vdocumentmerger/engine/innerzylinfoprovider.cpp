@@ -21,6 +21,8 @@ int InnerZylInfoProvider::countPages(const QString &path, int &count)
             return -99;
         int protection = 0;
         if (FAILED(protectionType(document.get(), &protection)) || protection != -1) {
+            // The row shows every reason at once; the log tells which one it was.
+            qCWarning(lcEngine, "%s is protected (type %d) and is not merged", qPrintable(path), protection);
             closeDocument(document.get());
             return -99;
         }
