@@ -297,6 +297,19 @@ class Runner:
             res["state"] = "exact"
         else:
             res["state"] = "differs"
+            if not self.stable_source(path, work, office, source):
+                res["failures"].append(("source", "the office's own export of the unchanged source lays its "
+                                        "pages out differently from one run to the next"))
+
+    def stable_source(self, path, work, office, source):
+        """Whether a second export of the source gives the same pages as the first."""
+        again = os.path.join(work, "again" + os.path.splitext(path)[1].lower())
+        shutil.copyfile(path, again)
+        office.to_pdf([again], work)
+        pdf = os.path.splitext(again)[0] + ".pdf"
+        pages = pdf_pages(pdf, self.args.timeout) if os.path.exists(pdf) else None
+        return pages is not None and len(pages) == len(source) and all(
+            similarity(a[0], b[0]) >= SIMILAR for a, b in zip(pages, source))
 
     def note_protected(self, err):
         """The documents that docmerge's log names as protected: refused by design."""
