@@ -351,7 +351,9 @@ class Runner:
         server = [l for l in lines if l.startswith("vzyl.server:") and " ready on pipe " not in l
                   and "not ready yet" not in l]
         if server:
-            reason += " [%s]" % server[-1]
+            # The first call that failed says why; what the server did after it rarely does.
+            failed = [l for l in server if " failed" in l]
+            reason += " [%s]" % (failed[0] if failed else server[-1])
         try:
             result = json.loads(stdout)
             if result.get("error") and result["error"] not in reason:
