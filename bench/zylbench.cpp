@@ -14,16 +14,11 @@
 #include <cstdio>
 #include <functional>
 
-#include <vcomrt/com.h>
-#include <vcomrt/comptr.h>
-
-#include "zylautomation.h"
-
-using A = ZylAutomation;
+#include "engine/innerzylprocessor.h"
 
 namespace {
 
-bool timed(const char *what, IDispatch *document, const std::function<HRESULT()> &operation)
+bool timed(InnerZylProcessor &zyl, const char *what, IDispatch *document, const std::function<HRESULT()> &operation)
 {
     QElapsedTimer timer;
     timer.start();
@@ -33,12 +28,12 @@ bool timed(const char *what, IDispatch *document, const std::function<HRESULT()>
         std::fprintf(stderr, "zylbench: %s failed: 0x%08x\n", what, unsigned(hr));
         return false;
     }
-    LONG pages = 0;
-    if (FAILED(A::pageCount(document, &pages))) {
+    int pages = 0;
+    if (FAILED(zyl.computeStatistics(document, &pages))) {
         std::fprintf(stderr, "zylbench: counting after %s failed\n", what);
         return false;
     }
-    std::printf("%s\t%.3f\t%ld\n", what, seconds, long(pages));
+    std::printf("%s\t%.3f\t%d\n", what, seconds, pages);
     std::fflush(stdout);
     return true;
 }
@@ -51,36 +46,30 @@ int run(const QString &source, const QString &inserted)
         std::fprintf(stderr, "zylbench: cannot copy %s\n", qPrintable(source));
         return 1;
     }
-    ComPtr<IDispatch> app;
-    HRESULT hr = A::createApplication(&app);
+    InnerZylProcessor zyl;
+    HRESULT hr = zyl.createApplication();
     if (FAILED(hr)) {
         std::fprintf(stderr, "zylbench: no word-processor server: 0x%08x\n", unsigned(hr));
         return 1;
     }
-    ComPtr<IDispatch> doc;
-    bool ok = SUCCEEDED(hr = A::open(app.get(), work, &doc));
+    InnerZylProcessor::Dispatch doc;
+    bool ok = SUCCEEDED(hr = zyl.openDocument(work, &doc));
     if (!ok)
         std::fprintf(stderr, "zylbench: cannot open %s: 0x%08x\n", qPrintable(source), unsigned(hr));
-    LONG pages = 0;
-    ok = ok && timed("count", doc.get(), [&] { return A::pageCount(doc.get(), &pages); });
-    ok = ok && timed("count again", doc.get(), [&] { return A::pageCount(doc.get(), &pages); });
-    ok = ok && timed("goto middle page", doc.get(), [&] {
-        LONG start = 0;
-        return A::pageStart(doc.get(), pages / 2, &start);
+    int pages = 0;
+    IDispatch *d = doc.get();
+    ok = ok && timed(zyl, "count", d, [&] { return zyl.computeStatistics(d, &pages); });
+    ok = ok && timed(zyl, "count again", d, [&] { return zyl.computeStatistics(d, &pages); });
+    ok = ok && timed(zyl, "goto middle page", d, [&] {
+        int start = 0;
+        return zyl.pageStart(d, pages / 2, &start);
     });
-    ok = ok && timed("delete first page", doc.get(), [&] { return A::deletePages(doc.get(), 1, 1); });
-    ok = ok && timed("insert file at end", doc.get(), [&] {
-        ComPtr<IDispatch> range;
-        HRESULT r = A::methodObject(doc.get(), QStringLiteral("Range"), {}, &range);
-        if (SUCCEEDED(r))
-            r = A::method(range.get(), QStringLiteral("Collapse"), {A::i4(0)});
-        return FAILED(r) ? r : A::method(range.get(), QStringLiteral("InsertFile"), {A::text(inserted)});
-    });
+    ok = ok && timed(zyl, "delete first page", d, [&] { return zyl.deletePages(d, 1, 1); });
+    ok = ok && timed(zyl, "insert file at end", d, [&] { return zyl.insertFileAtEnd(d, inserted); });
     if (doc)
-        A::method(doc.get(), QStringLiteral("Close"), {A::i4(0)});
+        zyl.closeDocument(d);
     doc.reset();
-    A::method(app.get(), QStringLiteral("Quit"));
-    app.reset();
+    zyl.quitApplication();
     return ok ? 0 : 1;
 }
 

@@ -10,7 +10,7 @@ PACKAGES=(
   qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev qt5-qmake
   libthrift-dev thrift-compiler libboost-dev
   libreoffice-writer libreoffice-dev
-  xvfb xauth dbus fonts-dejavu-core poppler-utils file
+  xvfb xauth dbus fonts-dejavu-core poppler-utils file zip
   fonts-liberation2 fonts-crosextra-carlito fonts-crosextra-caladea
 )
 

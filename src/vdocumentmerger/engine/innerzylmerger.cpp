@@ -120,32 +120,7 @@ HRESULT InnerZylMerger::appendFile(IDispatch *target, const QString &path, int f
     if (!QFile::exists(tempPath))
         return E_FAIL;
 
-    int before = 0;
-    hr = computeStatistics(target, &before);
-    if (FAILED(hr))
-        return hr;
-    hr = insertBreakAtEnd(target);
-    if (FAILED(hr))
-        return hr;
-    int after = 0;
-    hr = computeStatistics(target, &after);
-    if (FAILED(hr))
-        return hr;
-    if (after - before != 1) {
-        // The break did not start exactly one new page (it may have landed on an empty last
-        // page): a plain paragraph separates the sources instead.
-        hr = undo(target, 1);
-        if (FAILED(hr))
-            return hr;
-        hr = insertParagraphAtEnd(target);
-        if (FAILED(hr))
-            return hr;
-    }
-    hr = insertFileAtEnd(target, tempPath);
-    if (FAILED(hr))
-        return hr;
-    // The inserted file brings its own final paragraph mark.
-    return deleteLastCharacter(target);
+    return appendDocument(target, tempPath);
 }
 
 HRESULT InnerZylMerger::extractPages(const QString &source, int start, int count,

@@ -390,6 +390,38 @@ HRESULT InnerZylProcessor::deletePages(IDispatch *document, int first, int last)
     return deleteRange(range.get());
 }
 
+HRESULT InnerZylProcessor::appendDocument(IDispatch *target, const QString &path)
+{
+    if (!target)
+        return E_FAIL;
+    int before = 0;
+    HRESULT hr = computeStatistics(target, &before);
+    if (FAILED(hr))
+        return hr;
+    hr = insertBreakAtEnd(target);
+    if (FAILED(hr))
+        return hr;
+    int after = 0;
+    hr = computeStatistics(target, &after);
+    if (FAILED(hr))
+        return hr;
+    if (after - before != 1) {
+        // The break did not start exactly one new page (it may have landed on an empty last
+        // page): a plain paragraph separates the sources instead.
+        hr = undo(target, 1);
+        if (FAILED(hr))
+            return hr;
+        hr = insertParagraphAtEnd(target);
+        if (FAILED(hr))
+            return hr;
+    }
+    hr = insertFileAtEnd(target, path);
+    if (FAILED(hr))
+        return hr;
+    // The inserted file brings its own final paragraph mark.
+    return deleteLastCharacter(target);
+}
+
 HRESULT InnerZylProcessor::deleteLastCharacter(IDispatch *document)
 {
     if (!document)

@@ -76,6 +76,9 @@ public:
     HRESULT pageEnd(IDispatch *document, int page, int *position);
     HRESULT deletePages(IDispatch *document, int first, int last);
     HRESULT deleteLastCharacter(IDispatch *document);
+    // Appends the document at path, as it is, behind a page break (a plain paragraph where the
+    // break would not start exactly one new page).
+    HRESULT appendDocument(IDispatch *target, const QString &path);
 
     // Calls a method with args in natural order; reverses them in place, as DISPPARAMS wants.
     // The arguments stay owned by the caller; result may be null.

@@ -52,9 +52,6 @@ QString filterFor(const QString &suffix)
         return QStringLiteral("pdf:writer_pdf_Export");
     if (suffix == QLatin1String("fodt"))
         return QStringLiteral("fodt:OpenDocument Text Flat XML");
-    // The web variant of OpenDocument text, written from an HTML source.
-    if (suffix == QLatin1String("oth"))
-        return QStringLiteral("oth:writerweb8_writer_template");
     return QString();
 }
 
@@ -169,17 +166,7 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
         }
     }
 
-    const QString document = QStringLiteral(
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-        "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
-        "xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\" "
-        "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" "
-        "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
-        "xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" "
-        "xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\" "
-        "xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
-        "xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\" "
-        "office:version=\"1.3\" office:mimetype=\"application/vnd.oasis.opendocument.text\">\n"
+    return flatDocument(QStringLiteral(
         "<office:styles>"
         "<style:style style:name=\"Standard\" style:family=\"paragraph\" style:class=\"text\">"
         "<style:text-properties fo:font-size=\"12pt\" style:font-name=\"DejaVu Sans\" fo:font-family=\"'DejaVu Sans'\"/></style:style>"
@@ -205,9 +192,25 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
         "<style:master-page style:name=\"Landscape\" style:page-layout-name=\"pmLandscape\"/>"
         "<style:master-page style:name=\"RightOnly\" style:page-layout-name=\"pmRight\" style:next-style-name=\"Standard\"/>"
         "</office:master-styles>\n"
-        "<office:body><office:text>%1</office:text></office:body></office:document>\n")
-                                 .arg(body);
-    return document.toUtf8();
+        "<office:body><office:text>%1</office:text></office:body>")
+                            .arg(body));
+}
+
+QByteArray ZylTestDocuments::flatDocument(const QString &content)
+{
+    return QStringLiteral(
+               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+               "<office:document xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+               "xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\" "
+               "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" "
+               "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
+               "xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" "
+               "xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\" "
+               "xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
+               "xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\" "
+               "office:version=\"1.3\" office:mimetype=\"application/vnd.oasis.opendocument.text\">\n%1</office:document>\n")
+        .arg(content)
+        .toUtf8();
 }
 
 bool ZylTestDocuments::makeDocument(const QString &path, const QStringList &pageTexts, QString *error)
@@ -220,23 +223,24 @@ bool ZylTestDocuments::makeDocument(const QString &path, const QStringList &page
 
 bool ZylTestDocuments::makeDocument(const QString &path, const QVector<Page> &pages, QString *error)
 {
+    return makeFromFlat(path, flatDocument(pages), error);
+}
+
+bool ZylTestDocuments::makeFromFlat(const QString &path, const QByteArray &flat, QString *error)
+{
     QTemporaryDir work;
-    if (!work.isValid()) {
-        setError(error, QStringLiteral("no temporary folder"));
-        return false;
-    }
-    const QString flat = work.filePath(QFileInfo(path).completeBaseName() + QStringLiteral(".fodt"));
-    QFile file(flat);
-    if (!file.open(QIODevice::WriteOnly) || file.write(flatDocument(pages)) < 0) {
-        setError(error, QStringLiteral("cannot write %1").arg(flat));
+    const QString flatPath = work.filePath(QStringLiteral("made.fodt"));
+    QFile file(flatPath);
+    if (!work.isValid() || !file.open(QIODevice::WriteOnly) || file.write(flat) != flat.size()) {
+        setError(error, QStringLiteral("cannot write %1").arg(flatPath));
         return false;
     }
     file.close();
     if (QFileInfo(path).suffix().toLower() == QLatin1String("fodt")) {
         QFile::remove(path);
-        return QFile::copy(flat, path);
+        return QFile::copy(flatPath, path);
     }
-    return convert(flat, path, error);
+    return convert(flatPath, path, error);
 }
 
 bool ZylTestDocuments::convert(const QString &source, const QString &target, QString *error)

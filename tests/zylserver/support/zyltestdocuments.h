@@ -36,6 +36,10 @@ public:
     static bool makeDocument(const QString &path, const QVector<Page> &pages, QString *error = nullptr);
     // The flat OpenDocument text that makeDocument() converts.
     static QByteArray flatDocument(const QVector<Page> &pages);
+    // A flat OpenDocument text of the given styles and body, with every namespace they may use.
+    static QByteArray flatDocument(const QString &content);
+    // Lets the office convert a flat OpenDocument text into path (format from its suffix).
+    static bool makeFromFlat(const QString &path, const QByteArray &flat, QString *error = nullptr);
 
     // Text of every page as the office prints it, whitespace simplified, with "[picture]" for each
     // picture on it; empty on failure.
