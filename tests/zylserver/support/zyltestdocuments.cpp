@@ -274,17 +274,12 @@ bool ZylTestDocuments::convert(const QString &source, const QString &target, QSt
     return QFile::copy(produced, target);
 }
 
-bool ZylTestDocuments::exportPdf(const QString &source, const QString &pdfPath, QString *error)
-{
-    return convert(source, pdfPath, error);
-}
-
 bool ZylTestDocuments::readPages(const QString &path, QStringList *texts, QVector<QSize> *sizes, QString *error)
 {
     // One export for both: every export starts an office of its own.
     QTemporaryDir work;
     const QString pdf = work.filePath(QStringLiteral("pages.pdf"));
-    if (!exportPdf(path, pdf, error))
+    if (!convert(path, pdf, error))
         return false;
     const auto run = [&](const QString &program, const QStringList &args, QString *out) {
         QProcess process;
@@ -334,12 +329,6 @@ QStringList ZylTestDocuments::pageTexts(const QString &path, QString *error)
 {
     QStringList texts;
     return readPages(path, &texts, nullptr, error) ? texts : QStringList();
-}
-
-QVector<QSize> ZylTestDocuments::pdfPageSizes(const QString &path, QString *error)
-{
-    QVector<QSize> sizes;
-    return readPages(path, nullptr, &sizes, error) ? sizes : QVector<QSize>();
 }
 
 int ZylTestDocuments::pdfPageCount(const QString &path, QString *error)

@@ -46,12 +46,8 @@ public:
     static QStringList pageTexts(const QString &path, QString *error = nullptr);
     // Pages of the office's PDF export; -1 on failure.
     static int pdfPageCount(const QString &path, QString *error = nullptr);
-    // Width and height in points of every page of the office's PDF export; empty on failure.
-    static QVector<QSize> pdfPageSizes(const QString &path, QString *error = nullptr);
-    // Texts and sizes (either may be null) from a single PDF export.
+    // Texts and sizes in points (either may be null) of the pages of the office's PDF export.
     static bool readPages(const QString &path, QStringList *texts, QVector<QSize> *sizes, QString *error = nullptr);
     // Converts source into target (format from target's suffix). Target must not exist.
     static bool convert(const QString &source, const QString &target, QString *error = nullptr);
-    // Writes the office's PDF export of source to pdfPath.
-    static bool exportPdf(const QString &source, const QString &pdfPath, QString *error = nullptr);
 };
