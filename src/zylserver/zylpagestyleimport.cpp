@@ -426,15 +426,20 @@ uno::Reference<lang::XComponent> load(const uno::Reference<frame::XDesktop2> &de
 
 } // namespace
 
-bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop,
+bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &context,
+                                 const uno::Reference<frame::XDesktop2> &desktop,
                                  const uno::Reference<text::XTextDocument> &target, const QString &path,
                                  const QString &folder, const uno::Reference<frame::XModel> &loaded)
 {
     m_url.clear();
     m_path.clear();
     m_firstStyle = rtl::OUString();
-    const uno::Reference<lang::XComponent> component = loaded.is() ? uno::Reference<lang::XComponent>(loaded, uno::UNO_QUERY)
-                                                                    : load(desktop, path);
+    // Tracked changes are carried by edits that a document opened read-only refuses.
+    const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
+    if (loaded.is() && !reuse)
+        ZylSession::closeQuietly(loaded);
+    const uno::Reference<lang::XComponent> component = reuse ? uno::Reference<lang::XComponent>(loaded, uno::UNO_QUERY)
+                                                             : load(desktop, path);
     uno::Reference<frame::XModel> model(component, uno::UNO_QUERY);
     uno::Reference<text::XTextDocument> source(component, uno::UNO_QUERY);
     if (!model.is() || !source.is() || !target.is() || folder.isEmpty()) {
@@ -544,12 +549,14 @@ bool ZylPageStyleImport::prepare(const uno::Reference<frame::XDesktop2> &desktop
     }
     const auto firstRenamed = renamed.find(first);
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
-    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is() && !hasDrawnObjects(source)) {
+    const bool hasChanges = ZylTrackedChanges::hasChanges(model);
+    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is() && !hasDrawnObjects(source) && !hasChanges) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         return true;
     }
-
+    if (hasChanges)
+        m_changes.mark(context, model);
     m_path = storeCopy(source, folder, "writer8", QStringLiteral("odt"));
     if (m_path.isEmpty())
         return false;

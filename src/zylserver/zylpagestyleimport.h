@@ -10,6 +10,9 @@
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
+#include <com/sun/star/uno/XComponentContext.hpp>
+
+#include "zyltrackedchanges.h"
 
 class ZylPageStyleImport {
 public:
@@ -18,7 +21,8 @@ public:
     // Returns false, and leaves nothing in folder, when the document cannot be prepared; the caller
     // then inserts it as it is. A document already loaded from path may be given as loaded;
     // it is closed when done, like the one loaded here otherwise.
-    bool prepare(const css::uno::Reference<css::frame::XDesktop2> &desktop,
+    bool prepare(const css::uno::Reference<css::uno::XComponentContext> &context,
+                 const css::uno::Reference<css::frame::XDesktop2> &desktop,
                  const css::uno::Reference<css::text::XTextDocument> &target, const QString &path,
                  const QString &folder,
                  const css::uno::Reference<css::frame::XModel> &loaded = css::uno::Reference<css::frame::XModel>());
@@ -28,9 +32,12 @@ public:
     QString preparedPath() const { return m_path; }
     // The page style the inserted content starts with, as named in the target after insertion.
     rtl::OUString firstPageStyle() const { return m_firstStyle; }
+    // After the prepared copy was inserted into target: its tracked changes as in the source.
+    void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
 
 private:
     QString m_url;
     QString m_path;
     rtl::OUString m_firstStyle;
+    ZylTrackedChanges m_changes;
 };

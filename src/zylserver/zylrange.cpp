@@ -142,7 +142,8 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             ZylPageStyleImport layout;
             bool prepared = false;
             try {
-                prepared = layout.prepare(m_session->office().desktop(), m_document, info.absoluteFilePath(),
+                prepared = layout.prepare(m_session->office().remoteContext(), m_session->office().desktop(), m_document,
+                                          info.absoluteFilePath(),
                                           ZylOffice::privateFolder(), m_session->takeUnchanged(info.absoluteFilePath()));
             } catch (const uno::Exception &e) {
                 qCInfo(lcZylServer) << "inserting" << path << "without its page layout:"
@@ -160,6 +161,8 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             const LONG before = model.endPosition();
             HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle())
                                         : model.insertFile(m_start, url);
+            if (prepared && SUCCEEDED(inserted))
+                layout.restoreChanges(m_document);
             if (prepared && inserted == E_FAIL)
                 inserted = model.insertFile(m_start, url);
             if (SUCCEEDED(inserted))

@@ -187,6 +187,8 @@ private slots:
     void appendDocument();
     void appendAfterCutThroughTable();
     void appendMadeDocument_data();
+    void appendKeepsTrackedChanges_data();
+    void appendKeepsTrackedChanges();
     void cutWhileRecordingChanges_data();
     void cutWhileRecordingChanges();
     void appendMadeDocument();
@@ -875,6 +877,51 @@ void tst_ZylServer::appendMadeDocument()
         QVERIFY2(printed[i + 1].contains(texts[i]), qPrintable(printed[i + 1]));
         QVERIFY(size.isEmpty() || sizes[i + 1] == size);
     }
+}
+
+void tst_ZylServer::appendKeepsTrackedChanges_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("zyl") << QStringLiteral("zyl");
+    QTest::newRow("doc") << QStringLiteral("doc");
+    QTest::newRow("docx") << QStringLiteral("docx");
+}
+
+void tst_ZylServer::appendKeepsTrackedChanges()
+{
+    // The changes of an inserted document were applied on the way in: deletions gone, insertions
+    // plain text.
+    QFETCH(QString, suffix);
+    const QString info = QStringLiteral("<office:change-info><dc:creator>%1</dc:creator><dc:date>2020-01-02T03:04:05</dc:date></office:change-info>");
+    const QByteArray flat = ZylTestDocuments::flatDocument(
+        QStringLiteral("<office:body><office:text><text:tracked-changes>"
+                       "<text:changed-region text:id=\"c1\"><text:insertion>%1</text:insertion></text:changed-region>"
+                       "<text:changed-region text:id=\"c2\"><text:deletion>%2<text:p>struck words</text:p></text:deletion></text:changed-region>"
+                       "</text:tracked-changes><text:p>kept <text:change-start text:change-id=\"c1\"/>added words"
+                       "<text:change-end text:change-id=\"c1\"/> and <text:change text:change-id=\"c2\"/>the end</text:p>"
+                       "</office:text></office:body>")
+            .arg(info.arg(QStringLiteral("Ann")), info.arg(QStringLiteral("Bob"))));
+    const QString source = fromFlat(QStringLiteral("changes.") + suffix, flat);
+    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("changes-target.docx"));
+    QVERIFY(!source.isEmpty());
+
+    Dispatch doc;
+    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
+    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    const QStringList texts = ZylTestDocuments::pageTexts(target);
+    QCOMPARE(texts.size(), 2);
+    QVERIFY2(texts[1].contains(QStringLiteral("added words")) && texts[1].contains(QStringLiteral("struck words")), qPrintable(texts[1]));
+    const QString reread = m_dir.filePath(QStringLiteral("changes-%1.fodt").arg(suffix));
+    QFile::remove(reread);
+    QVERIFY(ZylTestDocuments::convert(target, reread));
+    QFile file(reread);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray saved = file.readAll();
+    QCOMPARE(saved.count("<text:insertion>"), 1);
+    QCOMPARE(saved.count("<text:deletion>"), 1);
+    QVERIFY(saved.contains("<dc:creator>Ann</dc:creator>") && saved.contains("<dc:creator>Bob</dc:creator>"));
 }
 
 void tst_ZylServer::cutWhileRecordingChanges_data()

@@ -206,7 +206,7 @@ QByteArray ZylTestDocuments::flatDocument(const QString &content)
                "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
                "xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" "
                "xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\" "
-               "xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
+               "xmlns:xlink=\"http://www.w3.org/1999/xlink\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
                "xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\" "
                "office:version=\"1.3\" office:mimetype=\"application/vnd.oasis.opendocument.text\">\n%1</office:document>\n")
         .arg(content)
