@@ -426,6 +426,32 @@ uno::Reference<lang::XComponent> load(const uno::Reference<frame::XDesktop2> &de
 
 } // namespace
 
+rtl::OUString ZylPageStyleImport::continuedStyle(const uno::Reference<text::XTextDocument> &document,
+                                                const rtl::OUString &name)
+{
+    const uno::Reference<container::XNameContainer> styles = pageStyles(document);
+    if (name.isEmpty() || !styles->hasByName(name))
+        return name;
+    uno::Reference<beans::XPropertySet> style(styles->getByName(name), uno::UNO_QUERY_THROW);
+    bool firstShared = true;
+    style->getPropertyValue(ou("FirstIsShared")) >>= firstShared;
+    if (firstShared)
+        return name;
+    const rtl::OUString display = stringProperty(style, "DisplayName");
+    const rtl::OUString continued = toOUString(QStringLiteral("%1 (continued)").arg(toQString(display.isEmpty() ? name : display)));
+    if (styles->hasByName(continued))
+        return continued;
+    uno::Reference<lang::XMultiServiceFactory> factory(document, uno::UNO_QUERY_THROW);
+    uno::Reference<beans::XPropertySet> copy(factory->createInstance(ou("com.sun.star.style.PageStyle")), uno::UNO_QUERY_THROW);
+    styles->insertByName(continued, uno::Any(copy));
+    copyPageStyle(style, copy);
+    copy->setPropertyValue(ou("FirstIsShared"), uno::Any(true));
+    // A style that follows itself goes on as the copy: the original would start a run anew.
+    const rtl::OUString follow = stringProperty(style, "FollowStyle");
+    copy->setPropertyValue(ou("FollowStyle"), uno::Any(follow.isEmpty() || follow == name ? continued : follow));
+    return continued;
+}
+
 bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &context,
                                  const uno::Reference<frame::XDesktop2> &desktop,
                                  const uno::Reference<text::XTextDocument> &target, const QString &path,
@@ -434,6 +460,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_url.clear();
     m_path.clear();
     m_firstStyle = rtl::OUString();
+    m_firstNumber = 1;
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -474,6 +501,12 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         if (!name.isEmpty() && sourceStyles->hasByName(name) && std::find(used.begin(), used.end(), name) == used.end())
             used.push_back(name);
     };
+    // A copy cut from a later page keeps that page's number; otherwise its pages count from 1.
+    try {
+        if (!(elements.front()->getPropertyValue(ou("PageNumberOffset")) >>= m_firstNumber) || m_firstNumber < 1)
+            m_firstNumber = 1;
+    } catch (const uno::Exception &) {
+    }
     rtl::OUString first = stringProperty(elements.front(), "PageDescName");
     if (first.isEmpty())
         first = stringProperty(elements.front(), "PageStyleName");

@@ -32,6 +32,13 @@ public:
     QString preparedPath() const { return m_path; }
     // The page style the inserted content starts with, as named in the target after insertion.
     rtl::OUString firstPageStyle() const { return m_firstStyle; }
+    // The page style that lays out a page which continues a run of pages in style name, in a
+    // document whose earlier pages are gone: name itself, unless its first page differs from the
+    // others (a title page's header); then a copy whose first page looks like the others, made once.
+    static rtl::OUString continuedStyle(const css::uno::Reference<css::text::XTextDocument> &document,
+                                        const rtl::OUString &name);
+    // The page number the inserted content starts with, as in its source.
+    sal_Int16 firstPageNumber() const { return m_firstNumber; }
     // After the prepared copy was inserted into target: its tracked changes as in the source.
     void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
 
@@ -39,5 +46,6 @@ private:
     QString m_url;
     QString m_path;
     rtl::OUString m_firstStyle;
+    sal_Int16 m_firstNumber = 1;
     ZylTrackedChanges m_changes;
 };

@@ -23,7 +23,11 @@
 #include <com/sun/star/table/XCellRange.hpp>
 #include <com/sun/star/table/XTableRows.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/style/NumberingType.hpp>
+#include <com/sun/star/text/PageNumberType.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
+#include <com/sun/star/text/XTextField.hpp>
 #include <com/sun/star/text/XTextRangeCompare.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
@@ -31,6 +35,7 @@
 #include <cppuhelper/implbase1.hxx>
 
 #include "zyllog.h"
+#include "zylpagestyleimport.h"
 #include "zyluno.h"
 
 using namespace css;
@@ -652,8 +657,20 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
+    // What starts the body after a cut from its start.
+    const int keptIndex = !cut.fromVirtualMark || cut.end == CutEnd::BodyEnd ? -1
+        : cut.end == CutEnd::Mark                                             ? cut.endIndex + 1
+                                                                              : cut.endIndex;
+    BreakState kept;
+    int keptNumber = 0;
+    if (keptIndex >= 0 && keptIndex <= last) {
+        kept = breakStateOf(l.elements[size_t(keptIndex)]);
+        keptNumber = printedNumberAt(l.elements[size_t(keptIndex)]);
+    }
     if (cut.start != CutEnd::Boundary && cut.end != CutEnd::Boundary) {
         deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
+        if (kept.valid)
+            keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
         return S_OK;
     }
 
@@ -670,7 +687,52 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             element->dispose();
     }
     settleAfterCut(l, cut, followerIndex, follower);
+    if (kept.valid)
+        keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
     return S_OK;
+}
+
+int ZylTextModel::printedNumberAt(const Element &e)
+{
+    // The office tells a page's number to a page number field on it, offsets and all.
+    try {
+        uno::Reference<text::XTextRange> where(e.content, uno::UNO_QUERY);
+        if (e.isTable) {
+            uno::Reference<table::XCellRange> cells(e.content, uno::UNO_QUERY_THROW);
+            where.set(cells->getCellByPosition(0, 0), uno::UNO_QUERY);
+        }
+        if (!where.is())
+            return 0;
+        uno::Reference<lang::XMultiServiceFactory> factory(m_document, uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextField> field(factory->createInstance(ou("com.sun.star.text.TextField.PageNumber")),
+                                               uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> props(field, uno::UNO_QUERY_THROW);
+        props->setPropertyValue(ou("NumberingType"), uno::Any(style::NumberingType::ARABIC));
+        props->setPropertyValue(ou("SubType"), uno::Any(text::PageNumberType_CURRENT));
+        const uno::Reference<text::XText> text = where->getText();
+        const uno::Reference<text::XTextContent> content(field, uno::UNO_QUERY_THROW);
+        text->insertTextContent(where->getStart(), content, false);
+        const int number = toQString(field->getPresentation(false)).toInt();
+        text->removeTextContent(content);
+        return number;
+    } catch (const uno::Exception &) {
+        return 0;
+    }
+}
+
+void ZylTextModel::keepFirstPage(const Element &e, const BreakState &before, int number)
+{
+    uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY);
+    if (!props.is())
+        return;
+    try {
+        if (before.pageDesc.isEmpty() && !before.layoutStyle.isEmpty())
+            props->setPropertyValue(ou("PageDescName"), uno::Any(ZylPageStyleImport::continuedStyle(m_document, before.layoutStyle)));
+        if (number > 0)
+            props->setPropertyValue(ou("PageNumberOffset"), uno::Any(sal_Int16(number)));
+    } catch (const uno::Exception &) {
+        // Its page keeps what the style gives it.
+    }
 }
 
 bool ZylTextModel::placeCutStart(const Layout &l, Cut &cut)
@@ -977,7 +1039,8 @@ bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
     return true;
 }
 
-HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle)
+HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle,
+                                 sal_Int16 firstNumber)
 {
     const Layout before = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);
@@ -1038,6 +1101,8 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
             if (props.is()) {
                 props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
                 props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
+                if (firstNumber > 0)
+                    props->setPropertyValue(ou("PageNumberOffset"), uno::Any(firstNumber));
             }
         }
     }

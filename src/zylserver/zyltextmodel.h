@@ -67,7 +67,9 @@ public:
     // Inserts the document at url; E_FAIL when nothing arrived. A non-empty firstPageStyle starts
     // the inserted content on a page of that style when it begins a paragraph, and says that the
     // document was read already, so that nothing arriving means an empty document.
-    HRESULT insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle = rtl::OUString());
+    // A firstNumber above 0 numbers that page so.
+    HRESULT insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle = rtl::OUString(),
+                       sal_Int16 firstNumber = 0);
 
 private:
     struct Element {
@@ -149,6 +151,11 @@ private:
     static void balanceCutEnds(const Layout &l, Cut &cut);
     void cutPartialEnds(const Layout &l, const Cut &cut);
     static void cutTableRows(const Layout &l, const Cut &cut);
+    // The number the page where e begins is printed with; 0 when the office cannot tell.
+    int printedNumberAt(const Element &e);
+    // After a cut from the body's start, e starts the body: its page keeps its number and, where
+    // it went on in a run of pages, the look of a page that does not start the run.
+    void keepFirstPage(const Element &e, const BreakState &before, int number);
     void settleAfterCut(const Layout &l, const Cut &cut, int followerIndex, const BreakState &follower);
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.

@@ -187,6 +187,8 @@ private slots:
     void appendDocument();
     void appendAfterCutThroughTable();
     void appendMadeDocument_data();
+    void cutKeepsPageLook_data();
+    void cutKeepsPageLook();
     void appendKeepsTrackedChanges_data();
     void appendKeepsTrackedChanges();
     void cutWhileRecordingChanges_data();
@@ -769,14 +771,14 @@ void tst_ZylServer::appendAfterCutThroughTable()
 
 namespace {
 
-// A flat document whose default page style has the given size and header; paragraph style "B"
-// starts a page, graphic style "G" places a text box.
-QByteArray pagedFlat(const char *width, const char *height, const QString &header, const QString &body)
+// A flat document whose default page style has the given size and headers (the master page's
+// content); paragraph style "B" starts a page, graphic style "G" places a text box.
+QByteArray pagedFlat(const char *width, const char *height, const QString &headers, const QString &body)
 {
     return ZylTestDocuments::flatDocument(
         QStringLiteral(
             "<office:automatic-styles>"
-            "<style:page-layout style:name=\"L\"><style:page-layout-properties fo:page-width=\"%1\" fo:page-height=\"%2\""
+            "<style:page-layout style:name=\"L\" style:page-usage=\"mirrored\"><style:page-layout-properties fo:page-width=\"%1\" fo:page-height=\"%2\""
             " fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
             "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/></style:style>"
             "<style:style style:name=\"G\" style:family=\"graphic\" style:parent-style-name=\"Frame\">"
@@ -785,9 +787,9 @@ QByteArray pagedFlat(const char *width, const char *height, const QString &heade
             " style:horizontal-rel=\"page-content\"/></style:style>"
             "</office:automatic-styles>"
             "<office:master-styles><style:master-page style:name=\"Standard\" style:page-layout-name=\"L\">"
-            "<style:header>%3</style:header></style:master-page></office:master-styles>"
+            "%3</style:master-page></office:master-styles>"
             "<office:body><office:text>%4</office:text></office:body>")
-            .arg(QLatin1String(width), QLatin1String(height), header, body));
+            .arg(QLatin1String(width), QLatin1String(height), headers, body));
 }
 
 } // namespace
@@ -801,7 +803,7 @@ void tst_ZylServer::appendMadeDocument_data()
     QTest::addColumn<QStringList>("texts"); // held by the source's pages, in order
     QTest::addColumn<QSize>("size"); // of the source's pages in points; empty: not checked
 
-    const QString header = QStringLiteral("<text:p>source header</text:p>");
+    const QString header = QStringLiteral("<style:header><text:p>source header</text:p></style:header>");
     const QByteArray twoPages = pagedFlat("11in", "8.5in", header, QStringLiteral("<text:p>source one</text:p><text:p text:style-name=\"B\">source two</text:p>"));
     const QStringList twoTexts{"source header source one", "source header source two"};
     const QSize letter(792, 612);
@@ -825,11 +827,12 @@ void tst_ZylServer::appendMadeDocument_data()
     // Inserting a document with a text box in its header ended the office.
     const QByteArray textBox = pagedFlat(
         "21cm", "29.7cm",
-        QStringLiteral("<text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
+        QStringLiteral("<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
                        " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
                        " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
                        " draw:enhanced-path=\"M 0 0 L ?f3 0 ?f3 ?f2 0 ?f2 Z N\"><draw:equation draw:name=\"f2\" draw:formula=\"logheight\"/>"
-                       "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape></text:p>"),
+                       "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape></text:p>"
+                       "</style:header>"),
         QStringLiteral("<text:p>source body</text:p>"));
     QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body"} << QSize(595, 842);
     QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body"} << QSize(595, 842);
@@ -877,6 +880,54 @@ void tst_ZylServer::appendMadeDocument()
         QVERIFY2(printed[i + 1].contains(texts[i]), qPrintable(printed[i + 1]));
         QVERIFY(size.isEmpty() || sizes[i + 1] == size);
     }
+}
+
+void tst_ZylServer::cutKeepsPageLook_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("zyl") << QStringLiteral("zyl");
+    QTest::newRow("docx") << QStringLiteral("docx");
+    QTest::newRow("doc") << QStringLiteral("doc");
+}
+
+void tst_ZylServer::cutKeepsPageLook()
+{
+    // A run of pages with a first page and left and right pages of their own. The page that a cut
+    // of the first page brings to the front took the first page's header; appended behind another
+    // document, the pages changed sides. (The office lays out a document's first page as a right
+    // one whatever its number: alone, the cut copy shows its pages on the other sides.)
+    QFETCH(QString, suffix);
+    const QString headers = QStringLiteral("<style:header><text:p>right</text:p></style:header>"
+                                           "<style:header-left><text:p>left</text:p></style:header-left>"
+                                           "<style:header-first><text:p>first</text:p></style:header-first>");
+    const QString body = QStringLiteral("<text:p>one</text:p><text:p text:style-name=\"B\">two</text:p>"
+                                        "<text:p text:style-name=\"B\">three</text:p><text:p text:style-name=\"B\">four</text:p>");
+    const QString source = fromFlat(QStringLiteral("look.") + suffix, pagedFlat("21cm", "29.7cm", headers, body));
+    QVERIFY(!source.isEmpty());
+    const QStringList whole{"first one", "left two", "right three", "left four"};
+    QCOMPARE(ZylTestDocuments::pageTexts(source), whole);
+    const QString uncut = workCopy(source, QStringLiteral("look-whole.") + suffix);
+    const QStringList kept{"left two", "right three", "left four"};
+
+    Dispatch cut;
+    QCOMPARE(m_zyl->openDocument(source, &cut), S_OK);
+    QCOMPARE(m_zyl->deletePages(cut.get(), 1, 1), S_OK);
+    QCOMPARE(m_zyl->saveDocument(cut.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(cut.get()), S_OK);
+    const QStringList cutTexts = ZylTestDocuments::pageTexts(source);
+    QCOMPARE(cutTexts.size(), 3);
+    QVERIFY2(!cutTexts.join(QLatin1Char(' ')).contains(QStringLiteral("first")), qPrintable(cutTexts.join(QLatin1Char('|'))));
+
+    // Behind one page the whole document's pages would change sides by their places, and behind
+    // those the cut copy's.
+    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("look-target.docx"));
+    Dispatch doc;
+    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), uncut), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
+    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + whole + kept);
 }
 
 void tst_ZylServer::appendKeepsTrackedChanges_data()
