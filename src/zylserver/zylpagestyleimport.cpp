@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string>
 #include <vector>
 
 #include <QCoreApplication>
@@ -28,6 +29,7 @@
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/style/BreakType.hpp>
+#include <com/sun/star/style/PageStyleLayout.hpp>
 #include <com/sun/star/style/XStyle.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
@@ -452,6 +454,26 @@ rtl::OUString ZylPageStyleImport::continuedStyle(const uno::Reference<text::XTex
     return continued;
 }
 
+bool ZylPageStyleImport::hasSides(const uno::Reference<text::XTextDocument> &document, const rtl::OUString &name)
+{
+    const uno::Reference<container::XNameContainer> styles = pageStyles(document);
+    if (name.isEmpty() || !styles->hasByName(name))
+        return false;
+    uno::Reference<beans::XPropertySet> style(styles->getByName(name), uno::UNO_QUERY_THROW);
+    style::PageStyleLayout layout = style::PageStyleLayout_ALL;
+    style->getPropertyValue(ou("PageStyleLayout")) >>= layout;
+    if (layout != style::PageStyleLayout_ALL)
+        return true;
+    for (const char *part : {"Header", "Footer"}) {
+        bool on = false, shared = true;
+        style->getPropertyValue(ou((std::string(part) + "IsOn").c_str())) >>= on;
+        style->getPropertyValue(ou((std::string(part) + "IsShared").c_str())) >>= shared;
+        if (on && !shared)
+            return true;
+    }
+    return false;
+}
+
 bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &context,
                                  const uno::Reference<frame::XDesktop2> &desktop,
                                  const uno::Reference<text::XTextDocument> &target, const QString &path,
@@ -460,7 +482,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_url.clear();
     m_path.clear();
     m_firstStyle = rtl::OUString();
-    m_firstNumber = 1;
+    m_firstNumber = 0;
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -501,17 +523,20 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         if (!name.isEmpty() && sourceStyles->hasByName(name) && std::find(used.begin(), used.end(), name) == used.end())
             used.push_back(name);
     };
-    // A copy cut from a later page keeps that page's number; otherwise its pages count from 1.
-    try {
-        if (!(elements.front()->getPropertyValue(ou("PageNumberOffset")) >>= m_firstNumber) || m_firstNumber < 1)
-            m_firstNumber = 1;
-    } catch (const uno::Exception &) {
-    }
     rtl::OUString first = stringProperty(elements.front(), "PageDescName");
     if (first.isEmpty())
         first = stringProperty(elements.front(), "PageStyleName");
     if (first.isEmpty())
         first = ou("Standard");
+    // A copy cut from a later page keeps that page's number; otherwise its pages count from 1.
+    if (hasSides(source, first)) {
+        try {
+            if (!(elements.front()->getPropertyValue(ou("PageNumberOffset")) >>= m_firstNumber) || m_firstNumber < 1)
+                m_firstNumber = 1;
+        } catch (const uno::Exception &) {
+            m_firstNumber = 1;
+        }
+    }
     use(first);
     for (const auto &element : elements)
         use(stringProperty(element, "PageDescName"));

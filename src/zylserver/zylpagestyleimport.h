@@ -37,7 +37,11 @@ public:
     // others (a title page's header); then a copy whose first page looks like the others, made once.
     static rtl::OUString continuedStyle(const css::uno::Reference<css::text::XTextDocument> &document,
                                         const rtl::OUString &name);
-    // The page number the inserted content starts with, as in its source.
+    // Whether pages in style name look different on the left and on the right, so that their
+    // numbers decide their look.
+    static bool hasSides(const css::uno::Reference<css::text::XTextDocument> &document, const rtl::OUString &name);
+    // The page number the inserted content starts with, as in its source, where it decides how
+    // the page looks; 0 otherwise.
     sal_Int16 firstPageNumber() const { return m_firstNumber; }
     // After the prepared copy was inserted into target: its tracked changes as in the source.
     void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
@@ -46,6 +50,6 @@ private:
     QString m_url;
     QString m_path;
     rtl::OUString m_firstStyle;
-    sal_Int16 m_firstNumber = 1;
+    sal_Int16 m_firstNumber = 0;
     ZylTrackedChanges m_changes;
 };

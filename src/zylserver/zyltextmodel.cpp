@@ -665,7 +665,9 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     int keptNumber = 0;
     if (keptIndex >= 0 && keptIndex <= last) {
         kept = breakStateOf(l.elements[size_t(keptIndex)]);
-        keptNumber = printedNumberAt(l.elements[size_t(keptIndex)]);
+        // Its number decides how the page looks where its style has left and right pages.
+        if (ZylPageStyleImport::hasSides(m_document, kept.layoutStyle))
+            keptNumber = printedNumberAt(l.elements[size_t(keptIndex)]);
     }
     if (cut.start != CutEnd::Boundary && cut.end != CutEnd::Boundary) {
         deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
@@ -726,9 +728,14 @@ void ZylTextModel::keepFirstPage(const Element &e, const BreakState &before, int
     if (!props.is())
         return;
     try {
-        if (before.pageDesc.isEmpty() && !before.layoutStyle.isEmpty())
-            props->setPropertyValue(ou("PageDescName"), uno::Any(ZylPageStyleImport::continuedStyle(m_document, before.layoutStyle)));
-        if (number > 0)
+        rtl::OUString style = before.pageDesc;
+        if (style.isEmpty() && !before.layoutStyle.isEmpty()) {
+            style = ZylPageStyleImport::continuedStyle(m_document, before.layoutStyle);
+            if (style != before.layoutStyle || number > 0)
+                props->setPropertyValue(ou("PageDescName"), uno::Any(style));
+        }
+        // A number takes only with a page style named.
+        if (number > 0 && !style.isEmpty())
             props->setPropertyValue(ou("PageNumberOffset"), uno::Any(sal_Int16(number)));
     } catch (const uno::Exception &) {
         // Its page keeps what the style gives it.

@@ -153,8 +153,8 @@ private:
     static void cutTableRows(const Layout &l, const Cut &cut);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
-    // After a cut from the body's start, e starts the body: its page keeps its number and, where
-    // it went on in a run of pages, the look of a page that does not start the run.
+    // After a cut from the body's start, e starts the body: its page keeps the number given (0:
+    // none) and, where it went on in a run of pages, the look of a page that does not start the run.
     void keepFirstPage(const Element &e, const BreakState &before, int number);
     void settleAfterCut(const Layout &l, const Cut &cut, int followerIndex, const BreakState &follower);
     // Deletes from one point in paragraph text to another; followerIndex names the element that
