@@ -22,8 +22,6 @@ private slots:
     void openDocument();
     void failedPreconditionSendsNothing_data();
     void failedPreconditionSendsNothing();
-    void deletePages_data();
-    void deletePages();
     void deleteLastCharacter_data();
     void deleteLastCharacter();
     void badAnswerStopsTheCut_data();
@@ -164,29 +162,6 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing()
     QCOMPARE(operation(m_client, m_document.get(), m_dir.path()), E_FAIL);
     QCOMPARE(FakeZylServer::journal(), sent);
     QCOMPARE(FakeZylServer::readDocument(m_dir.filePath("three.docx")), (QStringList{"one", "two", "three"}));
-}
-
-void tst_InnerZylProcessor::deletePages_data()
-{
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<QStringList>("remaining");
-    QTest::newRow("head") << 1 << 1 << QStringList{"two", "three"};
-    QTest::newRow("middle") << 2 << 2 << QStringList{"one", "three"};
-    QTest::newRow("tail") << 2 << 3 << QStringList{"one"};
-}
-
-void tst_InnerZylProcessor::deletePages()
-{
-    QFETCH(int, first);
-    QFETCH(int, last);
-    QFETCH(QStringList, remaining);
-    QCOMPARE(m_client->deletePages(m_document.get(), first, last), S_OK);
-    QCOMPARE(FakeZylServer::journal(QStringLiteral("Range.Delete")).size(), 1);
-    const QString saved = m_dir.filePath(QStringLiteral("deleted.docx"));
-    QFile::remove(saved);
-    QCOMPARE(m_client->saveDocumentAs(m_document.get(), saved), S_OK);
-    QCOMPARE(FakeZylServer::readDocument(saved), remaining);
 }
 
 void tst_InnerZylProcessor::deleteLastCharacter_data()
