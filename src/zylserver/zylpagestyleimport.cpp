@@ -440,7 +440,8 @@ rtl::OUString ZylPageStyleImport::continuedStyle(const uno::Reference<text::XTex
     if (firstShared)
         return name;
     const rtl::OUString display = stringProperty(style, "DisplayName");
-    const rtl::OUString continued = toOUString(QStringLiteral("%1 (continued)").arg(toQString(display.isEmpty() ? name : display)));
+    const rtl::OUString continued =
+        toOUString(QStringLiteral("%1 (continued)").arg(toQString(display.isEmpty() ? name : display)));
     if (styles->hasByName(continued))
         return continued;
     uno::Reference<lang::XMultiServiceFactory> factory(document, uno::UNO_QUERY_THROW);

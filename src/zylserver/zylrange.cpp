@@ -159,7 +159,8 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
                 }
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
             const LONG before = model.endPosition();
-            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle(), layout.firstPageNumber())
+            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle(),
+                                                           layout.firstPageNumber())
                                         : model.insertFile(m_start, url);
             if (prepared && SUCCEEDED(inserted))
                 layout.restoreChanges(m_document);
