@@ -1,5 +1,8 @@
 #include "zyltextmodel.h"
 
+#include <QFileInfo>
+#include <QUrl>
+
 #include <atomic>
 #include <limits>
 #include <unordered_map>
@@ -1094,8 +1097,11 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
     }
     // The paragraph inserted into holds the pictures: it stays.
-    if (textArrived)
-        joinEmptyInsertionParagraph(before, point);
+    if (textArrived) {
+        const QString suffix = QFileInfo(QUrl(url).path()).suffix().toLower();
+        joinEmptyInsertionParagraph(before, point, suffix == QLatin1String("odt") || suffix == QLatin1String("zyl")
+                                        || suffix == QLatin1String("fodt") || suffix == QLatin1String("ott"));
+    }
     const int first = elementAt(before, point);
     if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
@@ -1122,11 +1128,13 @@ int ZylTextModel::drawnObjects()
     return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
 }
 
-void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)
+void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument)
 {
     // Some formats start their content in a paragraph of their own and leave the empty one the
     // insertion was made into ahead of it. Its break would start a page of its own when the
     // content begins with a page break too, so the content's first paragraph takes its place.
+    // OpenDocument content starts in the paragraph inserted into, so an empty one there is the
+    // content's own, unless the content opens with a section, which cannot start inside it.
     const int index = elementAt(before, point);
     if (index < 0 || before.elements[size_t(index)].isTable || before.elements[size_t(index)].length != 0)
         return;
@@ -1144,6 +1152,13 @@ void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point)
         return;
     rtl::OUString emptyDesc, firstDesc;
     style::BreakType emptyBreak = style::BreakType_NONE, firstBreak = style::BreakType_NONE;
+    if (openDocument) {
+        uno::Reference<lang::XComponent> emptySection, firstSection;
+        emptyProps->getPropertyValue(ou("TextSection")) >>= emptySection;
+        firstProps->getPropertyValue(ou("TextSection")) >>= firstSection;
+        if (!firstSection.is() || firstSection == emptySection)
+            return;
+    }
     emptyProps->getPropertyValue(ou("PageDescName")) >>= emptyDesc;
     emptyProps->getPropertyValue(ou("BreakType")) >>= emptyBreak;
     firstProps->getPropertyValue(ou("PageDescName")) >>= firstDesc;

@@ -163,7 +163,7 @@ private:
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
     // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
-    void joinEmptyInsertionParagraph(const Layout &before, int point);
+    void joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point
     // lies in it; true when it did.
     bool revealHiddenEnd(const Layout &l, int point);

@@ -849,6 +849,18 @@ void tst_ZylServer::appendMadeDocument_data()
                        "<office:body><office:text>%1</office:text></office:body>")
             .arg(lines));
     QTest::newRow("direct_spacing_over_spaced_style_docx") << QStringLiteral("docx") << spaced << QStringList{"line 30"} << QSize();
+    // An empty first paragraph was taken for the one inserted into and removed: the page below it
+    // moved up and the last lines no longer ran over.
+    QString tall = QStringLiteral("<text:p text:style-name=\"T\"/>");
+    for (int line = 1; line <= 25; ++line)
+        tall += QStringLiteral("<text:p>line %1</text:p>").arg(line);
+    const QByteArray emptyFirst = ZylTestDocuments::flatDocument(
+        QStringLiteral("<office:automatic-styles><style:style style:name=\"T\" style:family=\"paragraph\">"
+                       "<style:paragraph-properties fo:margin-top=\"18cm\"/></style:style></office:automatic-styles>"
+                       "<office:body><office:text>%1</office:text></office:body>")
+            .arg(tall));
+    QTest::newRow("empty_first_paragraph_zyl") << QStringLiteral("zyl") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
+    QTest::newRow("empty_first_paragraph_docx") << QStringLiteral("docx") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
 }
 
 void tst_ZylServer::appendMadeDocument()
