@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QtTest>
 #include <QWidget>
 
@@ -41,7 +40,6 @@ class tst_VDrawHelper : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
     void cleanup();
 
     void loadIcon_modes_data();
@@ -56,11 +54,6 @@ private slots:
     void checkCleanSurface();
 };
 
-void tst_VDrawHelper::init()
-{
-    QVERIFY(VLiteStyle::setTheme(QStringLiteral("light")));
-}
-
 void tst_VDrawHelper::cleanup()
 {
     VLiteStyle::setTheme(QStringLiteral("light"));
@@ -73,21 +66,15 @@ void tst_VDrawHelper::loadIcon_modes_data()
     QTest::addColumn<QString>("own");
 
     QTest::newRow("one_name") << "vmsort_button_normal" << "1000";
-    QTest::newRow("one_name_trailing_separator") << "vmsort_button_asce;" << "1000";
-    QTest::newRow("two_names") << "vmmore_normal;vmmore_hover" << "1100";
     QTest::newRow("three_names_trailing_separator") << "vmreload_normal;vmreload_hover;vmreload_click;" << "1110";
     QTest::newRow("four_names") << "vmclear_select_button_normal;vmclear_select_button_hover;"
                                    "vmclear_select_button_click;vmclear_select_button_disable" << "1111";
-    QTest::newRow("four_names_trailing_separator") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;" << "1111";
     QTest::newRow("empty_hover_name") << "vmmore_normal;;vmmore_click" << "1010";
     QTest::newRow("empty_normal_name") << ";vmmore_hover" << "0100";
-    QTest::newRow("unknown_hover_name") << "vmmore_normal;no_such_image;vmmore_click" << "1010";
     QTest::newRow("names_with_spaces") << " vmmore_normal ; vmmore_hover " << "1100";
     QTest::newRow("fifth_name_ignored") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;vmmore_normal" << "1111";
     QTest::newRow("empty_string") << "" << "0000";
-    QTest::newRow("only_separators") << ";;;" << "0000";
     QTest::newRow("unknown_name") << "no_such_image" << "0000";
-    QTest::newRow("path_like_name") << "../themes/light" << "0000";
 }
 
 void tst_VDrawHelper::loadIcon_modes()
@@ -160,11 +147,9 @@ void tst_VDrawHelper::iconSetsUsedByTheAddOn()
         QVERIFY(VLiteStyle::setTheme(theme));
         for (const QString& set : sets) {
             const QIcon icon = VDrawHelper::loadIcon(set);
-            QVERIFY2(!icon.isNull(), qPrintable(theme + QLatin1Char(' ') + set));
             const QStringList names = set.split(QLatin1Char(';'), Qt::SkipEmptyParts);
             for (int i = 0; i < names.size(); ++i) {
                 const QString where = theme + QLatin1Char(' ') + names[i];
-                QVERIFY2(!VDrawHelper::iconPath(names[i]).isEmpty(), qPrintable(where));
                 QVERIFY2(!icon.availableSizes(modes[i]).isEmpty(), qPrintable(where));
                 QVERIFY2(!icon.pixmap(QSize(16, 16), modes[i]).isNull(), qPrintable(where));
             }
@@ -191,8 +176,7 @@ void tst_VDrawHelper::spinBoxArrowImages()
     QImage image(path);
     QVERIFY2(!image.isNull(), qPrintable(path));
     QCOMPARE(image.size(), QSize(8, 8));
-    image = QImage(path).scaled(64, 64);
-    image = image.convertToFormat(QImage::Format_ARGB32);
+    image = image.scaled(64, 64).convertToFormat(QImage::Format_ARGB32);
     // The tip of the chevron is the inked pixel nearest the edge it points to.
     int top = -1;
     int bottom = -1;
@@ -241,9 +225,7 @@ void tst_VDrawHelper::getColorFromTheme()
     };
     // Unknown ones, and classes that only carry a look, give the caller's default.
     const QList<QPair<QString, QString>> unknown = {
-        {"NoSuchClass", "border"}, {"VMSpinBox", "no-such-key"}, {"", "content"},
-        {"VMSpinBox", ""},         {"vmspinbox", "border"},      {"VLiteButton_Icon", "background"},
-    };
+        {"NoSuchClass", "border"}, {"VMSpinBox", "no-such-key"}, {"VLiteButton_Icon", "background"}};
     const QColor sentinel(1, 2, 3, 4);
     for (const QString& theme : VLiteStyle::availableThemes()) {
         QVERIFY(VLiteStyle::setTheme(theme));
@@ -252,10 +234,8 @@ void tst_VDrawHelper::getColorFromTheme()
             QVERIFY2(colour.isValid() && colour != sentinel,
                      qPrintable(theme + QLatin1Char(' ') + lookup.first + QLatin1Char('/') + lookup.second));
         }
-        for (const auto& lookup : unknown) {
+        for (const auto& lookup : unknown)
             QCOMPARE(VDrawHelper::getColorFromTheme(lookup.first, lookup.second, sentinel), sentinel);
-            QCOMPARE(VDrawHelper::getColorFromTheme(lookup.first, lookup.second, QColor()), QColor());
-        }
     }
 }
 
@@ -309,7 +289,6 @@ void tst_VDrawHelper::getObjectThemeClassName()
     QObject object;
     QCOMPARE(VDrawHelper::getObjectThemeClassName(nullptr, fallback), fallback);
     QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
-    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, QString()), QString());
     object.setProperty(VDrawHelper::ObjectThemeClassName, QString());
     QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
     object.setProperty(VDrawHelper::ObjectThemeClassName, QStringLiteral("VMProgress"));

@@ -32,8 +32,6 @@ void tst_VLiteButton::look_data()
     QTest::newRow("text_set_after_construction") << "" << "start merge" << "" << "VLiteButton" << true;
     QTest::newRow("explicit_class_kept_when_shown") << "Add file" << "" << "VMButton_AddFile" << "VMButton_AddFile"
                                                     << false;
-    QTest::newRow("explicit_class_on_icon_button") << "" << "" << "VLiteButton_Status" << "VLiteButton_Status"
-                                                   << false;
 }
 
 void tst_VLiteButton::look()

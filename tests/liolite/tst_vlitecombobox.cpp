@@ -62,7 +62,6 @@ void tst_VLiteComboBox::popup_wideEnoughForEveryEntry_data()
     QTest::addColumn<int>("boxWidth");
     QTest::addColumn<bool>("checkMarks");
     QTest::newRow("narrow_box_with_marks") << 80 << true;
-    QTest::newRow("narrow_box_without_marks") << 80 << false;
     QTest::newRow("wide_box_keeps_its_width") << 400 << true;
 }
 

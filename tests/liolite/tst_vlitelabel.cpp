@@ -1,6 +1,5 @@
 #include <liolite/vliteclickablelabel.h>
 #include <liolite/vlitelabel.h>
-#include <liolite/vlitestyle.h>
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -45,7 +44,6 @@ void tst_VLiteLabel::autoElide_data()
     QTest::newRow("narrow_right") << 120 << int(Qt::ElideRight) << true;
     QTest::newRow("narrow_middle") << 120 << int(Qt::ElideMiddle) << true;
     QTest::newRow("narrow_left") << 120 << int(Qt::ElideLeft) << true;
-    QTest::newRow("very_narrow_middle") << 20 << int(Qt::ElideMiddle) << true;
 }
 
 void tst_VLiteLabel::autoElide()
@@ -82,11 +80,9 @@ void tst_VLiteLabel::autoElide()
         QVERIFY(LongName.endsWith(kept));
         break;
     case Qt::ElideMiddle:
-        if (width > 60) {
-            QVERIFY(!shown.startsWith(ellipsis) && !shown.endsWith(ellipsis));
-            QVERIFY(LongName.startsWith(shown.section(ellipsis, 0, 0)));
-            QVERIFY(LongName.endsWith(shown.section(ellipsis, 1)));
-        }
+        QVERIFY(!shown.startsWith(ellipsis) && !shown.endsWith(ellipsis));
+        QVERIFY(LongName.startsWith(shown.section(ellipsis, 0, 0)));
+        QVERIFY(LongName.endsWith(shown.section(ellipsis, 1)));
         break;
     }
 }
@@ -105,9 +101,8 @@ void tst_VLiteLabel::autoElide_followsWidthAndSwitch()
     label.resize(220, 22);
     const QString wider = label.displayedText();
     QVERIFY(narrow.contains(QChar(0x2026)));
-    QVERIFY(wider.contains(QChar(0x2026)));
     QVERIFY(wider.size() > narrow.size());
-    QVERIFY(LongName.endsWith(narrow.section(QChar(0x2026), 1)));
+    QVERIFY(!narrow.startsWith(QChar(0x2026)) && !narrow.endsWith(QChar(0x2026)));
     label.resize(QFontMetrics(label.font()).horizontalAdvance(LongName) + 10, 22);
     QCOMPARE(label.displayedText(), LongName);
 

@@ -22,9 +22,7 @@ void tst_VSeparatorLine::paintsCentredLine_data()
     QTest::addColumn<int>("painted");
     QTest::addColumn<QString>("theme");
 
-    QTest::newRow("vertical_1x12") << int(Qt::Vertical) << QSize(1, 12) << 1 << 1.0 << 1 << "light";
     QTest::newRow("vertical_in_wider_widget") << int(Qt::Vertical) << QSize(9, 12) << 1 << 1.0 << 1 << "light";
-    QTest::newRow("horizontal_10x1") << int(Qt::Horizontal) << QSize(10, 1) << 1 << 1.0 << 1 << "light";
     QTest::newRow("horizontal_thick") << int(Qt::Horizontal) << QSize(20, 9) << 3 << 1.0 << 3 << "light";
     QTest::newRow("horizontal_scaled") << int(Qt::Horizontal) << QSize(20, 9) << 2 << 1.5 << 3 << "light";
     QTest::newRow("zero_width_draws_one") << int(Qt::Horizontal) << QSize(20, 5) << 0 << 1.0 << 1 << "light";
