@@ -13,9 +13,7 @@
 //
 // Its documents are UTF-8 text files whose pages are separated by form feeds. Character
 // positions are offsets into that text; a page begins right after the break that ends the page
-// before it. "InsertFile" brings the file's text plus its final paragraph mark ("\n"). "GoTo"
-// fails with E_FAIL on a document that holds the text "[goto fails]": one the office opens but
-// cannot cut.
+// before it. "InsertFile" brings the file's text plus its final paragraph mark ("\n").
 //
 // Programs run by a test are scripted through the environment: FAKEZYL_HOLD="<member>:<n>:<file>"
 // holds the n-th call of member, writes "<file>.held", and goes on once <file> exists.

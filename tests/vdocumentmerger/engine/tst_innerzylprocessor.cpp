@@ -18,15 +18,12 @@ private slots:
     void cleanup();
     void cleanupTestCase();
 
-    void openDocument_data();
-    void openDocument();
+    void openDocumentTakesBackslashes();
     void failedPreconditionSendsNothing_data();
     void failedPreconditionSendsNothing();
-    void deleteLastCharacter_data();
-    void deleteLastCharacter();
+    void deleteLastCharacterLeavesEmptyDocument();
     void badAnswerStopsTheCut_data();
     void badAnswerStopsTheCut();
-    void createApplicationTwiceKeepsTheFirst();
 
 private:
     QString makeDocument(const QString &name, const QStringList &pages);
@@ -81,23 +78,11 @@ QString tst_InnerZylProcessor::makeDocument(const QString &name, const QStringLi
     return path;
 }
 
-void tst_InnerZylProcessor::openDocument_data()
+void tst_InnerZylProcessor::openDocumentTakesBackslashes()
 {
-    QTest::addColumn<bool>("backslashes");
-    QTest::newRow("forward_slashes") << false;
-    QTest::newRow("backslashes_become_forward_slashes") << true;
-}
-
-void tst_InnerZylProcessor::openDocument()
-{
-    QFETCH(bool, backslashes);
     const QString path = makeDocument(QStringLiteral("a.doc"), {QStringLiteral("x")});
-    QString given = path;
-    if (backslashes)
-        given.replace(QLatin1Char('/'), QLatin1Char('\\'));
-
     InnerZylProcessor::Dispatch document;
-    QCOMPARE(m_client->openDocument(given, &document), S_OK);
+    QCOMPARE(m_client->openDocument(QString(path).replace(QLatin1Char('/'), QLatin1Char('\\')), &document), S_OK);
     QVERIFY(document);
     QCOMPARE(FakeZylServer::journal(),
              QStringList({"get Application.Documents()", QStringLiteral("call Documents.Open(bstr:%1)").arg(path)}));
@@ -151,6 +136,9 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing_data()
         InnerZylProcessor::Dispatch d;
         return fresh.documents(&d);
     }) << nothing;
+    QTest::newRow("create_application_twice") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->createApplication();
+    }) << nothing;
 }
 
 void tst_InnerZylProcessor::failedPreconditionSendsNothing()
@@ -161,31 +149,19 @@ void tst_InnerZylProcessor::failedPreconditionSendsNothing()
 
     QCOMPARE(operation(m_client, m_document.get(), m_dir.path()), E_FAIL);
     QCOMPARE(FakeZylServer::journal(), sent);
+    QCOMPARE(FakeZylServer::applicationsCreated(), 0);
+    QVERIFY(m_client->hasApplication());
     QCOMPARE(FakeZylServer::readDocument(m_dir.filePath("three.docx")), (QStringList{"one", "two", "three"}));
 }
 
-void tst_InnerZylProcessor::deleteLastCharacter_data()
+// Every merge of the merger's tests deletes a last character; only an empty document has none.
+void tst_InnerZylProcessor::deleteLastCharacterLeavesEmptyDocument()
 {
-    QTest::addColumn<QStringList>("pages");
-    QTest::addColumn<QStringList>("after");
-    QTest::addColumn<bool>("deletes");
-    QTest::newRow("empty_document_is_left_alone") << QStringList{QString()} << QStringList{QString()} << false;
-    QTest::newRow("one_character_goes") << QStringList{"ab", "cd\n"} << QStringList{"ab", "cd"} << true;
-}
-
-void tst_InnerZylProcessor::deleteLastCharacter()
-{
-    QFETCH(QStringList, pages);
-    QFETCH(QStringList, after);
-    QFETCH(bool, deletes);
     InnerZylProcessor::Dispatch document;
-    QCOMPARE(m_client->openDocument(makeDocument(QStringLiteral("last.docx"), pages), &document), S_OK);
-    FakeZylServer::reset();
+    QCOMPARE(m_client->openDocument(makeDocument(QStringLiteral("empty.docx"), {QString()}), &document), S_OK);
     QCOMPARE(m_client->deleteLastCharacter(document.get()), S_OK);
-    QCOMPARE(FakeZylServer::journal(QStringLiteral("Range.Delete")).size(), deletes ? 1 : 0);
-    QCOMPARE(m_client->saveDocument(document.get()), S_OK);
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Range.Delete")).isEmpty());
     QCOMPARE(m_client->closeDocument(document.get()), S_OK);
-    QCOMPARE(FakeZylServer::readDocument(m_dir.filePath(QStringLiteral("last.docx"))), after);
 }
 
 void tst_InnerZylProcessor::badAnswerStopsTheCut_data()
@@ -221,17 +197,6 @@ void tst_InnerZylProcessor::badAnswerStopsTheCut()
     }
     QCOMPARE(m_client->deletePages(m_document.get(), 1, 2), expected);
     QVERIFY(FakeZylServer::journal(notSent).isEmpty());
-}
-
-void tst_InnerZylProcessor::createApplicationTwiceKeepsTheFirst()
-{
-    QCOMPARE(m_client->createApplication(), E_FAIL);
-    QCOMPARE(FakeZylServer::applicationsCreated(), 0);
-    // The document opened through the first application is still reachable.
-    int pages = 0;
-    QCOMPARE(m_client->computeStatistics(m_document.get(), &pages), S_OK);
-    QCOMPARE(pages, 3);
-    QVERIFY(m_client->hasApplication());
 }
 
 QTEST_GUILESS_MAIN(tst_InnerZylProcessor)
