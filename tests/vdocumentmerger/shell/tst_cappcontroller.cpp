@@ -205,11 +205,6 @@ void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
     sendClickEvent({{QStringLiteral("type"), QStringLiteral("start_up")}});
     sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
     sendUsageEvent(QStringLiteral("vas_wordmerge_export"), {});
-    QWidget host;
-    QWidget *client = CreateClientWidget(&host);
-    QVERIFY(client);
-    host.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&host));
     QCOMPARE(app.events().size(), 1);
     QVERIFY(Destroy());
 }

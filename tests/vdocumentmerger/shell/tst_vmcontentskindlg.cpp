@@ -1,6 +1,5 @@
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTimer>
 #include <QtTest>
 
 #include "fakemainwindow.h"
@@ -29,26 +28,11 @@ class tst_VMContentSkinDlg : public QObject {
     Q_OBJECT
 
 private slots:
-    void restylesDuringExec();
     void everyOpenDialogFollowsAndClosedOnesAreLeftAlone();
 
 private:
     InitializedHost m_host;
 };
-
-void tst_VMContentSkinDlg::restylesDuringExec()
-{
-    CountingSkinDlg dlg(nullptr, VLiteContentDlg::IconType(3));
-    int restylesSeenInside = -1;
-    QTimer::singleShot(0, &dlg, [&] {
-        const int before = dlg.restyles;
-        m_host.app.notify(QStringLiteral("SkinChanged"), QVariantMap());
-        restylesSeenInside = dlg.restyles - before;
-        dlg.done(2);
-    });
-    QCOMPARE(dlg.exec(), 2);
-    QCOMPARE(restylesSeenInside, 1);
-}
 
 void tst_VMContentSkinDlg::everyOpenDialogFollowsAndClosedOnesAreLeftAlone()
 {
