@@ -53,14 +53,9 @@ private slots:
     void openMissingDocument();
 
 private:
-    // Answers the next modal dialog once it is up: records its texts, then confirms or presses Esc.
-    void answerNextDialog(bool confirm);
-
     InitializedHost m_host;
     QScrollArea *m_list = nullptr;
     VMFifleTableContentItem *m_row = nullptr;
-    QTimer *m_answerTimer = nullptr;
-    QString m_dialogContent;
 };
 
 void tst_VMFifleTableContentItem::init()
@@ -83,26 +78,6 @@ void tst_VMFifleTableContentItem::init()
 void tst_VMFifleTableContentItem::cleanup()
 {
     delete m_list;
-    delete m_answerTimer;
-    m_answerTimer = nullptr;
-    m_dialogContent.clear();
-}
-
-void tst_VMFifleTableContentItem::answerNextDialog(bool confirm)
-{
-    m_answerTimer = new QTimer;
-    connect(m_answerTimer, &QTimer::timeout, this, [this, confirm] {
-        auto *dialog = qobject_cast<VLiteContentDlg *>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        m_answerTimer->stop();
-        m_dialogContent = dialog->content();
-        if (confirm)
-            dialog->button(VLiteContentDlg::BtnConfirm)->click();
-        else
-            QTest::keyClick(dialog, Qt::Key_Escape);
-    });
-    m_answerTimer->start(10);
 }
 
 void tst_VMFifleTableContentItem::rangeRules_data()
@@ -119,7 +94,6 @@ void tst_VMFifleTableContentItem::rangeRules_data()
     QTest::newRow("reload_12_then_4_keeps_3_to_4") << QList<int>{12, 4} << 3 << 5 << 4 << 3 << 4;
     QTest::newRow("reload_widens_keeps_values") << QList<int>{4, 12} << 2 << 3 << 12 << 2 << 3;
     QTest::newRow("count_0_gives_1_to_1") << QList<int>{0} << 0 << 0 << 1 << 1 << 1;
-    QTest::newRow("several_thousand") << QList<int>{4321} << 0 << 0 << 4321 << 1 << 4321;
     QTest::newRow("first_greater_than_last_kept") << QList<int>{12, 9} << 7 << 2 << 9 << 7 << 2;
     QTest::newRow("entry_beyond_count_clamped") << QList<int>{12} << 20 << 30 << 12 << 12 << 12;
     QTest::newRow("five_digits_shown_whole") << QList<int>{99999} << 88888 << 99999 << 99999 << 88888 << 99999;
@@ -208,7 +182,6 @@ void tst_VMFifleTableContentItem::names_data()
     QTest::addColumn<QString>("fileName");
     QTest::newRow("needs_escaping") << QStringLiteral("a&b <c> 'd' \"e\" %20 #1;$(x).docx");
     QTest::newRow("very_long") << QString(QStringLiteral("annual report ").repeated(20) + QStringLiteral("final.docx"));
-    QTest::newRow("arabic") << QStringLiteral("تقرير المبيعات الربع السنوي للمنطقة الشمالية النسخة النهائية المعتمدة.docx");
     QTest::newRow("chinese") << QStringLiteral("二零二六年第三季度北方地区销售报告最终版本修订稿第二次修改后的定稿.doc");
 }
 
@@ -309,18 +282,29 @@ void tst_VMFifleTableContentItem::openMissingDocument()
         m_row->setFilePath(path);
     }
 
-    answerNextDialog(confirm);
+    QString dialogContent;
+    QObject answerer; // dies first: an answer never given must not outlive dialogContent
+    QTimer::singleShot(0, &answerer, [&] {
+        auto *dialog = qobject_cast<VLiteContentDlg *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        dialogContent = dialog->content();
+        if (confirm)
+            dialog->button(VLiteContentDlg::BtnConfirm)->click();
+        else
+            QTest::keyClick(dialog, Qt::Key_Escape);
+    });
     VLiteButton *button =
         kind == "file" ? m_row->operateSubItem()->openFileButton() : m_row->operateSubItem()->openDirButton();
     QTest::mouseClick(button, Qt::LeftButton);
 
     QList<FakeAppContainer::Event> expected{{"vas_wordmerge_click", Params{{"type", kind}}}};
     if (!closedAs.isEmpty()) {
-        QCOMPARE(m_dialogContent, QStringLiteral("The document does not exist. It may be removed or renamed"));
+        QCOMPARE(dialogContent, QStringLiteral("The document does not exist. It may be removed or renamed"));
         expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", "show"}}});
         expected.append({"vas_wordmerge_popup", Params{{"type", "list_openfile_fail"}, {"action", closedAs}}});
     } else {
-        QVERIFY(m_dialogContent.isEmpty());
+        QVERIFY(dialogContent.isEmpty());
     }
     QCOMPARE(m_host.app.events().size(), expected.size());
     for (int i = 0; i < expected.size(); ++i) {
