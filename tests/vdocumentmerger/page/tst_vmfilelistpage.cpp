@@ -128,7 +128,7 @@ void tst_VMFileListPage::initTestCase()
     QVERIFY2(ZylTestDocuments::makeDocument(doc(QStringLiteral("C.zyl")), QStringList{"C1", "C2", "C3", "C4"}, &error),
              qPrintable(error));
     // Not documents: their counts fail, which is all intake needs.
-    for (const QString &name : {"a.doc", "A.doc", "x.docx", "y.zyl", "My Files/r.doc", "notes.txt"}) {
+    for (const QString &name : {"a.doc", "A.doc", "x.docx", "y.zyl", "notes.txt"}) {
         QFile file(scratch(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("not a document");
@@ -256,9 +256,6 @@ void tst_VMFileListPage::intake_data()
     const QString upperA = scratch(QStringLiteral("A.doc"));
     QTest::newRow("names_differing_in_case_are_two_files") << "drop" << QStringList{a, upperA}
                                                            << QStringList{a, upperA} << "drop";
-    QTest::newRow("start_files_with_nbsp_and_query")
-        << "start" << QStringList{scratch(QStringLiteral("My|nbsp|Files/r.doc?from=desk")), a}
-        << QStringList{scratch(QStringLiteral("My Files/r.doc")), a} << "import";
     QTest::newRow("second_start")
         << "second" << QStringList{QStringLiteral("{\"file\":\"%1|%2\"}").arg(a, scratch(QStringLiteral("y.zyl")))}
         << QStringList{a, scratch(QStringLiteral("y.zyl"))} << "import";
@@ -272,8 +269,6 @@ void tst_VMFileListPage::intake()
     QFETCH(QStringList, rows);
     QFETCH(QString, mode);
 
-    if (how == QLatin1String("start"))
-        m_app.setStartFiles(input);
     VMClientWidget client(nullptr);
     client.show();
     QVERIFY(QTest::qWaitForWindowExposed(&client));
