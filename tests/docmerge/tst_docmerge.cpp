@@ -38,6 +38,9 @@ private:
     };
     Run run(const QStringList &arguments, const QProcessEnvironment &extra = QProcessEnvironment());
     QProcessEnvironment environment(const QProcessEnvironment &extra) const;
+    // Starts docmerge with the double holding the call named by hold ("Open:2") until release().
+    bool startHeld(QProcess &process, const QString &hold, const QStringList &arguments);
+    void release() { QFile(path(QStringLiteral("gate"))).open(QIODevice::WriteOnly); }
     QString path(const QString &name) const { return m_dir.filePath(name); }
     // The working trees left in the user's private root.
     QStringList workTrees() const
@@ -75,6 +78,19 @@ QProcessEnvironment tst_DocMerge::environment(const QProcessEnvironment &extra) 
     for (const QString &key : extra.keys())
         env.insert(key, extra.value(key));
     return env;
+}
+
+bool tst_DocMerge::startHeld(QProcess &process, const QString &hold, const QStringList &arguments)
+{
+    const QString gate = path(QStringLiteral("gate"));
+    QFile::remove(gate);
+    QFile::remove(gate + QStringLiteral(".held"));
+    QProcessEnvironment extra;
+    extra.insert(QStringLiteral("FAKEZYL_HOLD"), QStringLiteral("%1:%2").arg(hold, gate));
+    process.setProcessEnvironment(environment(extra));
+    process.setWorkingDirectory(m_dir.path());
+    process.start(QStringLiteral(DOCMERGE_PROGRAM), arguments);
+    return QTest::qWaitFor([&] { return QFileInfo::exists(gate + QStringLiteral(".held")); }, 20000);
 }
 
 tst_DocMerge::Run tst_DocMerge::run(const QStringList &arguments, const QProcessEnvironment &extra)
@@ -233,18 +249,9 @@ void tst_DocMerge::existingOutputIsKept()
 // A run that ends while another one waits with its working copy must leave that copy alone.
 void tst_DocMerge::concurrentRunsKeepTheirFiles()
 {
-    const QString gate = path(QStringLiteral("gate"));
-    QFile::remove(gate);
-    QFile::remove(gate + QStringLiteral(".held"));
-    QProcessEnvironment extra;
     // The second open is that of the first source's working copy, the target.
-    extra.insert(QStringLiteral("FAKEZYL_HOLD"), QStringLiteral("Open:2:%1").arg(gate));
     QProcess held;
-    held.setProcessEnvironment(environment(extra));
-    held.setWorkingDirectory(m_dir.path());
-    held.start(QStringLiteral(DOCMERGE_PROGRAM), {"merge", "-o", "first.docx", "a.docx", "b.doc"});
-    QVERIFY(held.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(gate + QStringLiteral(".held")), 20000);
+    QVERIFY(startHeld(held, QStringLiteral("Open:2"), {"merge", "-o", "first.docx", "a.docx", "b.doc"}));
 
     QProcess other;
     other.setProcessEnvironment(environment(QProcessEnvironment()));
@@ -255,9 +262,7 @@ void tst_DocMerge::concurrentRunsKeepTheirFiles()
     QCOMPARE(FakeZylServer::readDocument(path("second.docx")), QStringList({"C1", "B2"}));
     QCOMPARE(workTrees(), QStringList{QString::number(held.processId())});
 
-    QFile open(gate);
-    QVERIFY(open.open(QIODevice::WriteOnly));
-    open.close();
+    release();
     QVERIFY(held.waitForFinished(30000));
     QCOMPARE(held.exitCode(), 0);
     QCOMPARE(FakeZylServer::readDocument(path("first.docx")), QStringList({"A1", "A2", "A3", "B1", "B2"}));
@@ -282,29 +287,17 @@ void tst_DocMerge::interrupt()
     QFETCH(QString, command);
     QFETCH(QString, hold);
     QFETCH(int, signalNumber);
-    const QString gate = path(QStringLiteral("gate"));
-    QFile::remove(gate);
-    QFile::remove(gate + QStringLiteral(".held"));
-    QProcessEnvironment extra;
-    extra.insert(QStringLiteral("FAKEZYL_HOLD"), QStringLiteral("%1:%2").arg(hold, gate));
-
-    QProcess process;
-    process.setProcessEnvironment(environment(extra));
-    process.setWorkingDirectory(m_dir.path());
     const QStringList arguments = command == QLatin1String("merge")
         ? QStringList{"merge", "-o", "out.docx", "a.docx", "b.doc", "c.zyl:2"}
         : QStringList{"count", "a.docx", "b.doc", "c.zyl"};
-    process.start(QStringLiteral(DOCMERGE_PROGRAM), arguments);
-    QVERIFY(process.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(gate + QStringLiteral(".held")), 20000);
+    QProcess process;
+    QVERIFY(startHeld(process, hold, arguments));
 
     QCOMPARE(::kill(pid_t(process.processId()), signalNumber), 0);
     // The signal is seen while the call still hangs; then the call goes on and the run winds down.
     QByteArray err;
     QTRY_VERIFY((err += process.readAllStandardError()).contains("interrupted"));
-    QFile open(gate);
-    QVERIFY(open.open(QIODevice::WriteOnly));
-    open.close();
+    release();
     QVERIFY(process.waitForFinished(30000));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 128 + signalNumber);

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <unistd.h>
 
+#include "officeprocesses.h"
 #include "zyltestdocuments.h"
 
 // docmerge against the real word-processor server.
@@ -15,8 +16,6 @@ class tst_DocMergeOffice : public QObject {
 private slots:
     void initTestCase();
 
-    void countCorpus_data();
-    void countCorpus();
     void merge_data();
     void merge();
     void frozenOfficeFailsTheMerge();
@@ -34,8 +33,6 @@ private:
 
     QString m_corpus;
     QTemporaryDir m_dir;
-    QHash<QString, QString> m_corpusCounts;
-    bool m_corpusCounted = false;
 };
 
 void tst_DocMergeOffice::initTestCase()
@@ -71,46 +68,6 @@ QByteArray tst_DocMergeOffice::checksum(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return QByteArray();
     return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
-}
-
-void tst_DocMergeOffice::countCorpus_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("expected");
-    QFile manifest(qEnvironmentVariable("VDM_SHARED_DIR") + QStringLiteral("/corpus/manifest.tsv"));
-    if (!manifest.open(QIODevice::ReadOnly))
-        return;
-    const QStringList lines = QString::fromUtf8(manifest.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    for (int i = 1; i < lines.size(); ++i) {
-        const QStringList fields = lines.at(i).split(QLatin1Char('\t'));
-        if (fields.size() >= 2)
-            QTest::newRow(qPrintable(fields.at(0))) << fields.at(0) << fields.at(1);
-    }
-}
-
-void tst_DocMergeOffice::countCorpus()
-{
-    QFETCH(QString, file);
-    QFETCH(QString, expected);
-
-    // One run over the whole corpus, as a user would count a folder; each row checks its line.
-    if (!m_corpusCounted) {
-        m_corpusCounted = true;
-        QFile manifest(m_corpus + QStringLiteral("/manifest.tsv"));
-        QVERIFY(manifest.open(QIODevice::ReadOnly));
-        QStringList files;
-        const QStringList lines = QString::fromUtf8(manifest.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        for (int i = 1; i < lines.size(); ++i)
-            files << m_corpus + QLatin1Char('/') + lines.at(i).section(QLatin1Char('\t'), 0, 0);
-        const Run result = run(QStringList{QStringLiteral("count")} + files, 1200000);
-        QVERIFY2(result.exitCode == 1, qPrintable(result.err)); // the corpus holds unreadable files
-        const QStringList printed = result.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QCOMPARE(printed.size(), files.size());
-        for (const QString &line : printed)
-            m_corpusCounts.insert(QFileInfo(line.section(QLatin1Char('\t'), 1)).fileName(), line.section(QLatin1Char('\t'), 0, 0));
-    }
-    QVERIFY2(m_corpusCounts.contains(file), "no line for this file");
-    QCOMPARE(m_corpusCounts.value(file), expected);
 }
 
 QString tst_DocMergeOffice::source(const QString &stem, const QString &suffix, int pages)
@@ -174,28 +131,6 @@ void tst_DocMergeOffice::merge()
     QCOMPARE(checksum(alpha) + checksum(bravo) + checksum(charlie), sums);
 }
 
-namespace {
-
-// The office processes that parent started.
-QList<pid_t> officesOf(qint64 parent)
-{
-    QList<pid_t> offices;
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(entry));
-        if (!stat.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray line = stat.readAll();
-        const int nameEnd = line.lastIndexOf(')');
-        const QList<QByteArray> fields = line.mid(nameEnd + 2).split(' ');
-        if (line.contains("(soffice.bin)") && fields.size() > 1 && fields.at(1).toLongLong() == parent)
-            offices << pid_t(entry.toInt());
-    }
-    return offices;
-}
-
-} // namespace
-
 // An office that stops running mid-merge fails the merge well before the flat call limit.
 void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
 {
@@ -214,12 +149,12 @@ void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
     const QString tempsplit = QStringLiteral("%1/vdocumentmerger-%2/%3/tempsplit")
                                   .arg(QDir::tempPath()).arg(::getuid()).arg(process.processId());
     QTRY_VERIFY_WITH_TIMEOUT(!QDir(tempsplit).isEmpty(QDir::Files), 120000);
-    const QList<pid_t> offices = officesOf(process.processId());
+    const QList<qint64> offices = OfficeProcesses::startedBy(process.processId());
     QCOMPARE(offices.size(), 1);
-    QCOMPARE(::kill(offices.first(), SIGSTOP), 0);
+    QCOMPARE(::kill(pid_t(offices.first()), SIGSTOP), 0);
     // The call on the frozen office fails and the office is ended well before the flat limit;
     // docmerge then looks for a source to blame with a fresh office before it exits.
-    QTRY_VERIFY2_WITH_TIMEOUT(::kill(offices.first(), 0) != 0, "the frozen office was left behind", 30000);
+    QTRY_VERIFY2_WITH_TIMEOUT(::kill(pid_t(offices.first()), 0) != 0, "the frozen office was left behind", 30000);
     QVERIFY(process.waitForFinished(120000));
     QCOMPARE(process.exitCode(), 1);
     QVERIFY(!QFileInfo::exists(target));
