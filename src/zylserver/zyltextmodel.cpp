@@ -72,6 +72,32 @@ private:
     uno::Reference<document::XUndoManager> m_manager;
 };
 
+// Every change to a document whose controllers are unlocked lays it out again: a cut of a
+// hundred pages element by element would take minutes.
+class LayoutLock {
+public:
+    explicit LayoutLock(const uno::Reference<text::XTextDocument> &document)
+        : m_model(document, uno::UNO_QUERY)
+    {
+        if (m_model.is())
+            m_model->lockControllers();
+    }
+    ~LayoutLock()
+    {
+        if (!m_model.is())
+            return;
+        try {
+            m_model->unlockControllers();
+        } catch (const uno::Exception &) {
+        }
+    }
+    LayoutLock(const LayoutLock &) = delete;
+    LayoutLock &operator=(const LayoutLock &) = delete;
+
+private:
+    uno::Reference<frame::XModel> m_model;
+};
+
 rtl::OUString pageStyleOf(const uno::Reference<uno::XInterface> &object)
 {
     uno::Reference<beans::XPropertySet> props(object, uno::UNO_QUERY);
@@ -684,14 +710,17 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     BreakState follower;
     if (followerIndex >= 0)
         follower = breakStateOf(l.elements[size_t(followerIndex)]);
-    cutPartialEnds(l, cut);
-    cutTableRows(l, cut);
-    for (int i = cut.lastWhole; i >= cut.firstWhole; --i) {
-        uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
-        if (element.is())
-            element->dispose();
+    {
+        LayoutLock lock(m_document);
+        cutPartialEnds(l, cut);
+        cutTableRows(l, cut);
+        for (int i = cut.lastWhole; i >= cut.firstWhole; --i) {
+            uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
+            if (element.is())
+                element->dispose();
+        }
+        settleAfterCut(l, cut, followerIndex, follower);
     }
-    settleAfterCut(l, cut, followerIndex, follower);
     if (kept.valid)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
     return S_OK;
