@@ -14,6 +14,7 @@
 #include "fakeappcontainer.h"
 #include "fakemainwindow.h"
 #include "host/liolite.h"
+#include "officeprocesses.h"
 #include "page/vmbottomoptionwidget.h"
 #include "page/vmclientwidget.h"
 #include "page/vmfilelistpage.h"
@@ -100,7 +101,6 @@ private:
     static QStringList rowPaths(VMFileTableWidget *table);
     static VMFileListPage *page(VMClientWidget &client) { return client.fileArea()->fileListPage(); }
     QList<Params> eventParams(const QString &name) const;
-    static QList<qint64> officeProcesses();
     void drop(VMClientWidget &client, const QStringList &paths);
 
     // The drive service for one test, serving the signed-in user; stopped by its scope guard.
@@ -171,41 +171,6 @@ QList<Params> tst_VMFileListPage::eventParams(const QString &name) const
     QList<Params> found;
     for (const FakeAppContainer::Event &e : m_app.eventsNamed(name))
         found.append(e.params);
-    return found;
-}
-
-// Office processes started by this program (its descendants).
-QList<qint64> tst_VMFileListPage::officeProcesses()
-{
-    QHash<qint64, qint64> parents;
-    QHash<qint64, QString> names;
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        bool ok = false;
-        const qint64 pid = entry.toLongLong(&ok);
-        if (!ok)
-            continue;
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-        if (!stat.open(QIODevice::ReadOnly))
-            continue;
-        const QString line = QString::fromLatin1(stat.readAll());
-        const int open = line.indexOf(QLatin1Char('('));
-        const int close = line.lastIndexOf(QLatin1Char(')'));
-        names.insert(pid, line.mid(open + 1, close - open - 1));
-        parents.insert(pid, line.mid(close + 2).section(QLatin1Char(' '), 1, 1).toLongLong());
-    }
-    QList<qint64> found;
-    const qint64 self = QCoreApplication::applicationPid();
-    for (auto it = names.cbegin(); it != names.cend(); ++it) {
-        if (!it.value().startsWith(QLatin1String("soffice")))
-            continue;
-        for (qint64 p = parents.value(it.key()); p > 1; p = parents.value(p)) {
-            if (p == self) {
-                found.append(it.key());
-                break;
-            }
-        }
-    }
     return found;
 }
 
@@ -532,11 +497,11 @@ void tst_VMFileListPage::closeWhileMerging()
     QCOMPARE(table->itemCount(), 3);
     // The merger is at work once it has copied the first source into its working folder.
     QTRY_VERIFY_WITH_TIMEOUT(!work.entryList(QDir::Files).isEmpty(), 60000);
-    QVERIFY(!officeProcesses().isEmpty());
+    QVERIFY(!OfficeProcesses::startedBy(QCoreApplication::applicationPid()).isEmpty());
     QElapsedTimer closing;
     closing.start();
     delete client;
-    QTRY_VERIFY_WITH_TIMEOUT(officeProcesses().isEmpty(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(OfficeProcesses::startedBy(QCoreApplication::applicationPid()).isEmpty(), 20000);
     QVERIFY2(closing.elapsed() < 20000, qPrintable(QString::number(closing.elapsed())));
     QVERIFY(driver.notices.isEmpty());
     QTRY_VERIFY_WITH_TIMEOUT(QThreadPool::globalInstance()->waitForDone(0), 20000);
