@@ -10,6 +10,8 @@
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
+#include <com/sun/star/text/XTextFieldsSupplier.hpp>
+#include <com/sun/star/util/XRefreshable.hpp>
 
 #include "zyldocument.h"
 #include "zylfilters.h"
@@ -116,6 +118,12 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
         uno::Reference<beans::XPropertySet> settings(component, uno::UNO_QUERY);
         if (settings.is())
             settings->setPropertyValue(ou("RecordChanges"), uno::Any(false));
+        // Fields show what the file stored until they are updated, as printing and the office's
+        // own PDF export do first: cross-references that changed length move page ends.
+        uno::Reference<text::XTextFieldsSupplier> fields(component, uno::UNO_QUERY);
+        uno::Reference<util::XRefreshable> refreshable(fields.is() ? fields->getTextFields() : nullptr, uno::UNO_QUERY);
+        if (refreshable.is())
+            refreshable->refresh();
         m_session->add(textDocument);
         setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
         return S_OK;

@@ -159,6 +159,7 @@ private slots:
     void dispatchRules();
     void pageCountMatchesPdf_data();
     void pageCountMatchesPdf();
+    void countUpdatesFields();
     void corpus_data();
     void corpus();
     void corpusPageDeleted_data();
@@ -374,6 +375,25 @@ void tst_ZylServer::pageCountMatchesPdf()
         QCOMPARE(end, starts[n]);
     }
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+}
+
+void tst_ZylServer::countUpdatesFields()
+{
+    // A cross-reference whose stored result runs over a page although its target is one word:
+    // counted as stored, the document had a page more than the office prints.
+    const QString stale = QStringLiteral("stale ").repeated(1500);
+    const QString path = fromFlat(QStringLiteral("stale-reference.zyl"), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:body><office:text><text:p><text:bookmark-start text:name=\"b\"/>tiny<text:bookmark-end text:name=\"b\"/></text:p>"
+        "<text:p><text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"b\">%1</text:bookmark-ref></text:p>"
+        "</office:text></office:body>").arg(stale)));
+    QVERIFY(!path.isEmpty());
+    Dispatch doc;
+    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
+    int count = 0;
+    QCOMPARE(m_zyl->computeStatistics(doc.get(), &count), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(count, ZylTestDocuments::pdfPageCount(path));
+    QCOMPARE(count, 1);
 }
 
 void tst_ZylServer::corpus_data()
