@@ -249,15 +249,16 @@ void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &e
     }
 }
 
-// Paragraph values that a paragraph may set directly over its style.
+// Paragraph values that a paragraph may set directly over its style, its font among them.
 std::vector<rtl::OUString> directParagraphNames(const uno::Reference<beans::XPropertySet> &paragraph)
 {
     static const std::set<rtl::OUString> managed = {ou("ParaStyleName"), ou("ParaConditionalStyleName"),
                                                     ou("ParaAutoStyleName"), ou("ParaIsNumberingRestart"),
-                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel")};
+                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel"),
+                                                    ou("CharAutoStyleName")};
     std::vector<rtl::OUString> names;
     for (const rtl::OUString &name : writableNames(paragraph, managed)) {
-        if (name.startsWith("Para"))
+        if (name.startsWith("Para") || name.startsWith("Char"))
             names.push_back(name);
     }
     return names;
@@ -484,6 +485,8 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_path.clear();
     m_firstStyle = rtl::OUString();
     m_firstNumber = 0;
+    m_startsWithTable = false;
+    m_endsHidden = false;
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -582,6 +585,10 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     // A leading table stays behind the paragraph it is inserted after, which takes the first style:
     // a style of the table's own would start a second page.
     uno::Reference<text::XTextTable> leadingTable(elements.front(), uno::UNO_QUERY);
+    m_startsWithTable = leadingTable.is();
+    uno::Reference<text::XTextRange> last(elements.back(), uno::UNO_QUERY);
+    if (elements.size() > 1 && last.is() && last->getString().isEmpty())
+        elements.back()->getPropertyValue(ou("CharHidden")) >>= m_endsHidden;
     if (leadingTable.is()) {
         try {
             elements.front()->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));

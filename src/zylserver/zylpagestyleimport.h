@@ -43,6 +43,10 @@ public:
     // The page number the inserted content starts with, as in its source, where it decides how
     // the page looks; 0 otherwise.
     sal_Int16 firstPageNumber() const { return m_firstNumber; }
+    // Whether the inserted content starts with a table.
+    bool startsWithTable() const { return m_startsWithTable; }
+    // Whether it ends in a hidden empty paragraph, as a cut leaves after a table that fills its page.
+    bool endsHidden() const { return m_endsHidden; }
     // After the prepared copy was inserted into target: its tracked changes as in the source.
     void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
 
@@ -51,5 +55,7 @@ private:
     QString m_path;
     rtl::OUString m_firstStyle;
     sal_Int16 m_firstNumber = 0;
+    bool m_startsWithTable = false;
+    bool m_endsHidden = false;
     ZylTrackedChanges m_changes;
 };

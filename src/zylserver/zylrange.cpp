@@ -159,9 +159,9 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
                 }
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
             const LONG before = model.endPosition();
-            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), layout.firstPageStyle(),
-                                                           layout.firstPageNumber())
-                                        : model.insertFile(m_start, url);
+            const ZylTextModel::Insertion known{layout.firstPageStyle(), layout.firstPageNumber(),
+                                                layout.startsWithTable(), layout.endsHidden()};
+            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), known) : model.insertFile(m_start, url);
             if (prepared && SUCCEEDED(inserted))
                 layout.restoreChanges(m_document);
             if (prepared && inserted == E_FAIL)

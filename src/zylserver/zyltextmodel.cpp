@@ -893,7 +893,7 @@ void ZylTextModel::settleAfterCut(const Layout &l, const Cut &cut, int followerI
             remnant->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
             remnant->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
             // After a table that fills its last page it would take a page of its own.
-            if (l.elements[size_t(cut.endIndex - 1)].isTable)
+            if (l.elements[size_t(cut.firstWhole - 1)].isTable)
                 remnant->setPropertyValue(ou("CharHidden"), uno::Any(true));
         }
     }
@@ -1078,9 +1078,9 @@ bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
     return true;
 }
 
-HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle,
-                                 sal_Int16 firstNumber)
+HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insertion &known)
 {
+    const rtl::OUString &firstPageStyle = known.firstPageStyle;
     const Layout before = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);
     uno::Reference<text::XTextCursor> cursor = cursorAt(before, point);
@@ -1124,6 +1124,16 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
         touch(index, index + 1);
         if (end.is())
             m_text->insertControlCharacter(uno::Reference<text::XTextRange>(end, uno::UNO_QUERY_THROW), text::ControlCharacter::PARAGRAPH_BREAK, false);
+        // That mark is the paragraph the source hid after its table; an empty last paragraph after
+        // it is hidden too, as the end mark that joins it when the next source goes in.
+        if (endsInTable && known.endsHidden && textArrived) {
+            const Layout now = layout();
+            for (const Element &e : {now.elements[size_t(index)], now.elements.back()}) {
+                uno::Reference<beans::XPropertySet> mark(e.content, uno::UNO_QUERY);
+                if (mark.is() && !e.isTable && e.length == 0)
+                    mark->setPropertyValue(ou("CharHidden"), uno::Any(true));
+            }
+        }
     }
     // The paragraph inserted into holds the pictures: it stays.
     if (textArrived) {
@@ -1133,6 +1143,8 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
     }
     const int first = elementAt(before, point);
     if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
+        if (known.startsWithTable)
+            dropParagraphBeforeTable(first);
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
         // attributes: name the style on whatever now starts at the insertion point.
         const Layout now = layout();
@@ -1143,8 +1155,8 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const rtl::O
             if (props.is()) {
                 props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
                 props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
-                if (firstNumber > 0)
-                    props->setPropertyValue(ou("PageNumberOffset"), uno::Any(firstNumber));
+                if (known.firstNumber > 0)
+                    props->setPropertyValue(ou("PageNumberOffset"), uno::Any(known.firstNumber));
             }
         }
     }
@@ -1155,6 +1167,25 @@ int ZylTextModel::drawnObjects()
 {
     uno::Reference<drawing::XDrawPageSupplier> supplier(m_document, uno::UNO_QUERY);
     return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
+}
+
+void ZylTextModel::dropParagraphBeforeTable(int index)
+{
+    // The empty paragraph inserted into stays ahead of a table that starts the content and takes a
+    // line at the top of the page: the table starts the page itself. Not behind another table,
+    // which it would join in the Word formats.
+    const Layout now = layout();
+    if (index < 1 || size_t(index) + 1 >= now.elements.size())
+        return;
+    const Element &empty = now.elements[size_t(index)];
+    if (empty.isTable || empty.length != 0 || !now.elements[size_t(index) + 1].isTable
+        || now.elements[size_t(index) - 1].isTable || holdsCharacterPictures(empty.content))
+        return;
+    uno::Reference<lang::XComponent> component(empty.content, uno::UNO_QUERY);
+    if (!component.is())
+        return;
+    touch(index, index + 1);
+    component->dispose();
 }
 
 void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument)

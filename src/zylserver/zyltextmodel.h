@@ -64,12 +64,20 @@ public:
     // One undo step: a paragraph break whose new paragraph starts on a new page.
     HRESULT insertPageBreak(LONG position);
     HRESULT insertParagraph(LONG position);
-    // Inserts the document at url; E_FAIL when nothing arrived. A non-empty firstPageStyle starts
-    // the inserted content on a page of that style when it begins a paragraph, and says that the
-    // document was read already, so that nothing arriving means an empty document.
-    // A firstNumber above 0 numbers that page so.
-    HRESULT insertFile(LONG position, const QString &url, const rtl::OUString &firstPageStyle = rtl::OUString(),
-                       sal_Int16 firstNumber = 0);
+    // What is known of a document before it is inserted. A non-empty firstPageStyle starts the
+    // content on a page of that style when it begins a paragraph, and says that the document was
+    // read already, so that nothing arriving means an empty document; a firstNumber above 0 numbers
+    // that page so. Content that startsWithTable starts the page with that table where it can;
+    // content that endsHidden ends in a hidden empty paragraph after a table, which stays hidden.
+    struct Insertion {
+        rtl::OUString firstPageStyle;
+        sal_Int16 firstNumber = 0;
+        bool startsWithTable = false;
+        bool endsHidden = false;
+    };
+    // Inserts the document at url; E_FAIL when nothing arrived.
+    HRESULT insertFile(LONG position, const QString &url, const Insertion &known);
+    HRESULT insertFile(LONG position, const QString &url) { return insertFile(position, url, Insertion()); }
 
 private:
     struct Element {
@@ -163,6 +171,7 @@ private:
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
     // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
+    void dropParagraphBeforeTable(int index);
     void joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point
     // lies in it; true when it did.

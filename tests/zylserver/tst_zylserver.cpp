@@ -184,6 +184,8 @@ private slots:
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
     void appendPictureOfLegacyDocument();
+    void fullPageTable_data();
+    void fullPageTable();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void saveAsFormats_data();
@@ -778,7 +780,8 @@ void tst_ZylServer::appendAfterCutThroughTable()
 namespace {
 
 // A flat document whose default page style has the given size and headers (the master page's
-// content); paragraph style "B" starts a page, graphic style "G" places a text box.
+// content); paragraph style "B" starts a page, graphic style "G" places a text box, row style "R"
+// fills an A4 page's body.
 QByteArray pagedFlat(const char *width, const char *height, const QString &headers, const QString &body)
 {
     return ZylTestDocuments::flatDocument(
@@ -787,6 +790,7 @@ QByteArray pagedFlat(const char *width, const char *height, const QString &heade
             "<style:page-layout style:name=\"L\" style:page-usage=\"mirrored\"><style:page-layout-properties fo:page-width=\"%1\" fo:page-height=\"%2\""
             " fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\" fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout>"
             "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/></style:style>"
+            "<style:style style:name=\"R\" style:family=\"table-row\"><style:table-row-properties style:row-height=\"25.7cm\"/></style:style>"
             "<style:style style:name=\"G\" style:family=\"graphic\" style:parent-style-name=\"Frame\">"
             "<style:graphic-properties draw:fill=\"none\" fo:min-height=\"2cm\" fo:min-width=\"5cm\""
             " style:vertical-pos=\"from-top\" style:vertical-rel=\"page-content\" style:horizontal-pos=\"from-left\""
@@ -855,6 +859,20 @@ void tst_ZylServer::appendMadeDocument_data()
                        "<office:body><office:text>%1</office:text></office:body>")
             .arg(lines));
     QTest::newRow("direct_spacing_over_spaced_style_docx") << QStringLiteral("docx") << spaced << QStringList{"line 30"} << QSize();
+    // The same for a paragraph's own font: sixty small lines ran on over three pages in the
+    // style's large one.
+    QString small;
+    for (int line = 1; line <= 60; ++line)
+        small += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line);
+    const QByteArray sized = ZylTestDocuments::flatDocument(
+        QStringLiteral("<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">"
+                       "<style:text-properties fo:font-size=\"24pt\"/></style:style></office:styles>"
+                       "<office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\" style:parent-style-name=\"Standard\">"
+                       "<style:text-properties fo:font-size=\"8pt\"/></style:style></office:automatic-styles>"
+                       "<office:body><office:text><table:table><table:table-column/><table:table-row><table:table-cell>%1"
+                       "</table:table-cell></table:table-row></table:table></office:text></office:body>")
+            .arg(small));
+    QTest::newRow("direct_font_over_sized_style_doc") << QStringLiteral("doc") << sized << QStringList{"line 60"} << QSize();
     // An empty first paragraph was taken for the one inserted into and removed: the page below it
     // moved up and the last lines no longer ran over.
     QString tall = QStringLiteral("<text:p text:style-name=\"T\"/>");
@@ -1074,6 +1092,44 @@ void tst_ZylServer::appendPictureOfLegacyDocument()
     QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
     QCOMPARE(ZylTestDocuments::pdfPageCount(target), 2);
+}
+
+void tst_ZylServer::fullPageTable_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("zyl") << QStringLiteral("zyl");
+    QTest::newRow("doc") << QStringLiteral("doc");
+}
+
+void tst_ZylServer::fullPageTable()
+{
+    // A table as high as the page's body, and paragraphs that no longer fit after it. Inserted, the
+    // table stayed behind the empty paragraph inserted into and moved to a page of its own; cut
+    // after the table, the paragraph left behind took a page of its own.
+    QFETCH(QString, suffix);
+    const QString source = fromFlat(QStringLiteral("full-table.") + suffix, pagedFlat("21cm", "29.7cm", QString(), QStringLiteral(
+        "<table:table><table:table-column/><table:table-row table:style-name=\"R\"><table:table-cell>"
+        "<text:p>one</text:p></table:table-cell></table:table-row></table:table><text:p>two</text:p><text:p>three</text:p>")));
+    QVERIFY(!source.isEmpty());
+    QCOMPARE(ZylTestDocuments::pageTexts(source), QStringList({"one", "two three"}));
+    const QString whole = workCopy(source, QStringLiteral("full-table-whole.") + suffix);
+
+    Dispatch cut;
+    QCOMPARE(m_zyl->openDocument(source, &cut), S_OK);
+    QCOMPARE(m_zyl->deletePages(cut.get(), 2, 2), S_OK);
+    QCOMPARE(m_zyl->saveDocument(cut.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(cut.get()), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(source), QStringList({"one"}));
+
+    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("full-table-target.docx"));
+    Dispatch doc;
+    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), whole), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
+    const QString merged = m_dir.filePath(QStringLiteral("full-table-merged.") + suffix);
+    QCOMPARE(m_zyl->saveDocumentAs(doc.get(), merged, suffix), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList({"target one", "one", "two three", "one"}));
 }
 
 void tst_ZylServer::editsMatchFreshReading_data()
