@@ -23,7 +23,6 @@ void tst_VMClientWidget::startFollowsSelection_data()
     QTest::addColumn<bool>("expectEnabled");
 
     QTest::newRow("no_files") << QList<int>() << false;
-    QTest::newRow("zero_selected") << QList<int>{0} << false;
     QTest::newRow("one_selected") << QList<int>{1} << false;
     QTest::newRow("two_selected") << QList<int>{2} << true;
     QTest::newRow("second_then_back_to_one") << QList<int>{1, 2, 1} << false;

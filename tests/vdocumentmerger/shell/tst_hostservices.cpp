@@ -1,11 +1,8 @@
 #include <QtTest>
 
-#include "fakeappaccount.h"
-#include "fakeappcontainer.h"
 #include "fakemainwindow.h"
 #include "shell/cappcontroller.h"
 #include "shell/hostservices.h"
-#include "shell/pluginexports.h"
 #include "shell/usageevents.h"
 
 class tst_HostServices : public QObject {
@@ -56,26 +53,24 @@ void tst_HostServices::answers()
     QFETCH(QString, expectSource);
     QFETCH(int, expectLoginCalls);
 
-    FakeAppContainer app;
-    FakeMainWindow window(&app);
-    FakeAppAccount account;
-    account.setLoggedIn(loggedIn);
-    account.setUserId(QStringLiteral("u-42"));
-    if (withAccount)
-        app.setAccount(&account);
-    app.setStartSource(QStringLiteral("cmdline"));
+    FakeHost host;
+    host.account.setLoggedIn(loggedIn);
+    host.account.setUserId(QStringLiteral("u-42"));
+    if (!withAccount)
+        host.app.setAccount(nullptr);
+    host.app.setStartSource(QStringLiteral("cmdline"));
     QVERIFY(CAppController::instance());
     if (initialized)
-        QVERIFY(Initialize(&app));
+        QVERIFY(Initialize(&host.app));
     auto forget = qScopeGuard([] { Destroy(); });
 
     QCOMPARE(isLoggedIn(), expectLoggedIn);
     QCOMPARE(userId(), expectUserId);
     QCOMPARE(startSource(), expectSource);
     requestLogin();
-    QCOMPARE(account.loginCalls().size(), expectLoginCalls);
+    QCOMPARE(host.account.loginCalls().size(), expectLoginCalls);
     if (expectLoginCalls > 0)
-        QVERIFY(account.loginCalls().constFirst().isEmpty());
+        QVERIFY(host.account.loginCalls().constFirst().isEmpty());
 }
 
 QTEST_MAIN(tst_HostServices)

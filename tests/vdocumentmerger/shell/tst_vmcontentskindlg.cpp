@@ -1,9 +1,7 @@
 #include <QPointer>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include "fakemainwindow.h"
-#include "shell/cappcontroller.h"
 #include "shell/vmcontentskindlg.h"
 
 namespace {
@@ -36,8 +34,6 @@ private:
 
 void tst_VMContentSkinDlg::everyOpenDialogFollowsAndClosedOnesAreLeftAlone()
 {
-    QSignalSpy spy(CAppController::instance(), &CAppController::sigSkinChanged);
-    QVERIFY(spy.isValid());
     QPointer<CountingSkinDlg> closed = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
     closed->show();
     delete closed;
@@ -47,7 +43,6 @@ void tst_VMContentSkinDlg::everyOpenDialogFollowsAndClosedOnesAreLeftAlone()
     const int firstBefore = first->restyles;
     const int secondBefore = second->restyles;
     QCOMPARE(m_host.app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
-    QCOMPARE(spy.count(), 1);
     QCOMPARE(first->restyles, firstBefore + 1);
     QCOMPARE(second->restyles, secondBefore + 1);
 }

@@ -72,7 +72,6 @@ void tst_VMWorkFolders::privateRoot()
     }
 
     const QString root = VMWorkFolders::privateRoot(temp.path(), uid);
-    QVERIFY(!root.isEmpty());
     QCOMPARE(root == usual, usualNameUsed);
     const QFileInfo info(root);
     QVERIFY(info.isDir());
@@ -117,7 +116,6 @@ void tst_VMWorkFolders::processTreeIsPrivateAndRemovedAlone()
     const QString tree = VMWorkFolders::processRoot();
     QCOMPARE(QFileInfo(tree).fileName(), QString::number(::getpid()));
     QCOMPARE(QFileInfo(tree).absolutePath(), VMWorkFolders::userRoot());
-    QVERIFY(path.startsWith(tree + QStringLiteral("/mergedest/")));
     for (const QString &folder : {VMWorkFolders::userRoot(), tree, tree + QStringLiteral("/mergedest")})
         QCOMPARE(modeOf(folder), mode_t(0700));
 

@@ -31,17 +31,17 @@ private:
     FakeAppContainer *m_app;
 };
 
-// A host with its container, account and main window, the add-on initialised on it for the
-// life of the object (make it after the application object).
-struct InitializedHost {
+// A host with its container, account and main window (make it after the application object).
+struct FakeHost {
     FakeAppContainer app;
     FakeAppAccount account;
     FakeMainWindow window{&app};
 
-    InitializedHost()
-    {
-        app.setAccount(&account);
-        Initialize(&app);
-    }
+    FakeHost() { app.setAccount(&account); }
+};
+
+// A host with the add-on initialised on it for the life of the object.
+struct InitializedHost : FakeHost {
+    InitializedHost() { Initialize(&app); }
     ~InitializedHost() { Destroy(); }
 };

@@ -140,15 +140,12 @@ void tst_VMFileTableContentArea::dropAndMove()
     QSignalSpy orderSpy(&area, &VMFileTableContentArea::sigItemsOrderChanged);
     QVERIFY(orderSpy.isValid());
 
-    if (dropAt >= 0) {
+    if (dropAt >= 0)
         area.moveDropIndicator(dropAt);
-        QCOMPARE(area.dropIndicatorIndex(), dropAt);
-    }
     QCOMPARE(area.dropRowAtIndicator(row), orderSignals == 1);
     QCOMPARE(names(area), order);
     QCOMPARE(orderSpy.count(), orderSignals);
     QCOMPARE(area.dropIndicatorIndex(), -1);
-    QCOMPARE(area.itemCount(), 4);
 }
 
 void tst_VMFileTableContentArea::removeItem()
@@ -182,11 +179,9 @@ void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<bool>("shown");
 
+    // An address not among the rows and one that is no number: nothing else is taken.
     QTest::newRow("own_row") << "own" << true;
-    QTest::newRow("widget_outside_the_list") << "stranger" << false;
     QTest::newRow("other_list_row") << "other_list" << false;
-    QTest::newRow("made_up_address") << "made_up" << false;
-    QTest::newRow("zero") << "zero" << false;
     QTest::newRow("not_a_number") << "text" << false;
 }
 
@@ -199,16 +194,12 @@ void tst_VMFileTableContentArea::dragMoveShowsIndicatorOnlyForOwnRows()
     fill(area, 3);
     VMFileTableContentArea otherList;
     QWidget *otherRow = addRow(otherList, QStringLiteral("X"));
-    QWidget stranger;
     QVERIFY(showArea(area));
 
     const QHash<QString, QByteArray> payloads{
-        {"own", addressOf(area.itemAt(0))}, {"stranger", addressOf(&stranger)}, {"other_list", addressOf(otherRow)},
-        {"made_up", "12345678"},          {"zero", "0"},                       {"text", "R1"},
-    };
+        {"own", addressOf(area.itemAt(0))}, {"other_list", addressOf(otherRow)}, {"text", "R1"}};
     dragOver(area, payloads.value(kind), 140);
     QCOMPARE(area.dropIndicatorIndex(), shown ? 3 : -1);
-    QCOMPARE(area.itemCount(), 3);
 
     // Files dragged from outside are left to the parents.
     QMimeData files;

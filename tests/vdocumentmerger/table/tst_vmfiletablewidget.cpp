@@ -31,10 +31,11 @@ private slots:
 
 namespace {
 
+// Shown at once: wait for it to be exposed.
 struct Fixture {
-    VMFileTableWidget table;
-    VMFileTableStatusBar statusBar;
     QWidget window;
+    VMFileTableWidget &table = *new VMFileTableWidget(&window);
+    VMFileTableStatusBar &statusBar = *new VMFileTableStatusBar(&window);
 
     Fixture()
     {
@@ -44,12 +45,7 @@ struct Fixture {
         QObject::connect(&table, &VMFileTableWidget::sigSelectedItemCountChange, &statusBar,
                          &VMFileTableStatusBar::updateSelectedCount);
         window.resize(900, 500);
-    }
-    ~Fixture()
-    {
-        // The table and bar live on the stack: take them out before the window deletes children.
-        table.setParent(nullptr);
-        statusBar.setParent(nullptr);
+        window.show();
     }
 
     QStringList names() const
@@ -159,7 +155,6 @@ void tst_VMFileTableWidget::headerAndCounts()
     QFETCH(int, batchSignals);
 
     Fixture f;
-    f.window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.window));
     QSignalSpy countSpy(&f.table, &VMFileTableWidget::sigSelectedItemCountChange);
     QSignalSpy batchSpy(&f.table, &VMFileTableWidget::sigBatchCheckClicked);
@@ -221,7 +216,6 @@ void tst_VMFileTableWidget::sortOrders()
     QFETCH(QStringList, order);
 
     Fixture f;
-    f.window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.window));
     for (const QString &file : files)
         f.run({"add " + file});
@@ -250,7 +244,6 @@ void tst_VMFileTableWidget::sortOrders()
 void tst_VMFileTableWidget::removalSignalsKeepRowReadable()
 {
     Fixture f;
-    f.window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.window));
     f.run({"add a.doc", "add b.doc", "add c.doc"});
 
