@@ -90,8 +90,6 @@ void tst_Apartment::sequence_data()
                          {Probe, ready}, {Uninit, S_OK}, {Probe, notInit}};
     QTest::newRow("extra_uninit_is_harmless")
         << QVector<Step>{{Uninit, S_OK}, {Sta, S_OK}, {Uninit, S_OK}, {Uninit, S_OK}, {Sta, S_OK}, {Probe, ready}};
-    QTest::newRow("changing_model_refused")
-        << QVector<Step>{{Sta, S_OK}, {Mta, RPC_E_CHANGED_MODE}, {Uninit, S_OK}, {Probe, notInit}};
     QTest::newRow("mta_then_sta_refused")
         << QVector<Step>{{Mta, S_OK}, {Sta, RPC_E_CHANGED_MODE}, {Mta, S_FALSE}, {Uninit, S_OK}, {Uninit, S_OK},
                          {Probe, notInit}};

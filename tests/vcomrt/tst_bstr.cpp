@@ -33,7 +33,6 @@ void tst_Bstr::layout_data()
 {
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("ascii") << QStringLiteral("Documents");
     QTest::newRow("empty") << QString();
     QTest::newRow("embedded_zeros") << QString::fromUtf16(u"a\0b\0\0c", 6);
 }
