@@ -69,7 +69,6 @@ void tst_VAppHostWindow::themeSwitchNotifiesSubscribers_data()
     QTest::addColumn<QStringList>("actions");
     QTest::addColumn<QStringList>("skins");     // the "skin" values notified, in order
 
-    QTest::newRow("light_to_dark_by_menu") << "light" << QStringList{"dark"} << QStringList{"dark"};
     QTest::newRow("dark_and_back_by_menu")
         << "light" << QStringList{"dark", "light"} << QStringList{"dark", "light"};
     QTest::newRow("same_theme_again_is_silent")

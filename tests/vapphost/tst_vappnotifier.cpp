@@ -55,8 +55,6 @@ void tst_VAppNotifier::deliversBySlotName_data()
     QTest::addColumn<QVariantMap>("params");
     QTest::addColumn<QString>("expectedSlot");
 
-    QTest::newRow("plain_name_skin") << QByteArray("onSkinChanged") << "SkinChanged"
-                                     << QVariantMap{{"skin", "dark"}} << "onSkinChanged";
     QTest::newRow("slot_macro_form") << QByteArray(SLOT(onSkinChanged(QVariantMap))) << "SkinChanged"
                                      << QVariantMap{{"skin", "light"}} << "onSkinChanged";
     QTest::newRow("signature_without_macro_code_several_keys_and_types")
