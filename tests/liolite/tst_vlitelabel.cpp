@@ -36,38 +36,30 @@ private slots:
 
 void tst_VLiteLabel::autoElide_data()
 {
-    QTest::addColumn<int>("width");
     QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("elided");
 
-    QTest::newRow("wide_enough_right") << 2000 << int(Qt::ElideRight) << false;
-    QTest::newRow("narrow_right") << 120 << int(Qt::ElideRight) << true;
-    QTest::newRow("narrow_middle") << 120 << int(Qt::ElideMiddle) << true;
-    QTest::newRow("narrow_left") << 120 << int(Qt::ElideLeft) << true;
+    QTest::newRow("right") << int(Qt::ElideRight);
+    QTest::newRow("middle") << int(Qt::ElideMiddle);
+    QTest::newRow("left") << int(Qt::ElideLeft);
 }
 
 void tst_VLiteLabel::autoElide()
 {
-    QFETCH(int, width);
     QFETCH(int, mode);
-    QFETCH(bool, elided);
 
     VLiteLabel label(LongName);
     label.setTextAutoElide(true);
     label.setTextElideMode(Qt::TextElideMode(mode));
-    label.resize(width, 22);
+    label.resize(120, 22);
 
     const QString shown = label.displayedText();
     QCOMPARE(label.text(), LongName);
-    QCOMPARE(shown != LongName, elided);
-    if (!elided)
-        return;
     const QChar ellipsis(0x2026);
     QVERIFY2(shown.contains(ellipsis), qPrintable(shown));
     QVERIFY(QFontMetrics(label.font()).horizontalAdvance(shown) <= label.contentsRect().width());
     // What is painted is the shortened text.
     VLiteLabel reference(shown);
-    reference.resize(width, 22);
+    reference.resize(label.size());
     QCOMPARE(label.grab().toImage(), reference.grab().toImage());
     const QString kept = QString(shown).remove(ellipsis);
     switch (mode) {
