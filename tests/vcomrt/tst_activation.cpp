@@ -284,7 +284,8 @@ void tst_Activation::registrationFormat_data()
         QTest::newRow(tag) << file << content << registered;
     };
     row("plain", plain, true);
-    row("comments_blanks_crlf_key_case_unknown_key", "# server\r\n\n progid =  VComRt.Format \r\nThreadingModel=Apartment\n\t ClsId\t= %C%\nLIBRARY = %LIB%  \r\n", true);
+    row("comments_blanks_crlf_key_case_unknown_key",
+        "# server\r\n\n progid =  VComRt.Format \r\nThreadingModel=Apartment\n\t ClsId\t= %C%\nLIBRARY = %LIB%  \r\n", true);
     row("relative_library_path", "ProgID=VComRt.Format\nCLSID=%C%\nLibrary=%REL%\n", true);
     row("other_extension_ignored", plain, false, "a.txt");
     row("hidden_file_ignored", plain, false, ".a.reg");
