@@ -46,8 +46,6 @@ void tst_VLiteStyle::scaledHelpers_data()
 
     QTest::newRow("factor_1.25_truncates") << 1.25 << 3.0 << 3.75 << QSize(372, 7) << QSize(465, 8)
                                            << QMargins(28, 1, 3, 5) << QMargins(35, 1, 3, 6) << 15;
-    QTest::newRow("factor_2") << 2.0 << 0.5 << 1.0 << QSize(0, 1) << QSize(0, 2)
-                              << QMargins(-1, 2, 3, 4) << QMargins(-2, 4, 6, 8) << 24;
     QTest::newRow("factor_1.75_negative_truncates_toward_zero") << 1.75 << -3.0 << -5.25 << QSize(3, 5)
                                                                << QSize(5, 8) << QMargins(-3, 0, 0, 0)
                                                                << QMargins(-5, 0, 0, 0) << 21;
