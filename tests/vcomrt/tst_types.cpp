@@ -1,13 +1,24 @@
 #include <QtTest>
 
+#include <climits>
 #include <cstring>
 
 #include <vcomrt/comptr.h>
+#include <vcomrt/scopedbstr.h>
 #include <vcomrt/scopedvariant.h>
 
 #include "comtesthelpers.h"
 
 namespace {
+
+uint32_t prefixOf(BSTR bstr)
+{
+    uint32_t prefix = 0;
+    std::memcpy(&prefix, reinterpret_cast<const char *>(bstr) - sizeof(uint32_t), sizeof(prefix));
+    return prefix;
+}
+
+const GUID Sample = {0x8E1F0A52, 0x3C4B, 0x4D6E, {0x9F, 0x70, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E, 0x6F}};
 
 enum class Kind { Bstr, NullBstr, Dispatch, NullDispatch, Unknown, ByRefI4 };
 
@@ -31,24 +42,179 @@ void fill(VARIANT *v, Kind kind, CountingDispatch *object, LONG *referenced)
 
 } // namespace
 
+Q_DECLARE_METATYPE(GUID)
 Q_DECLARE_METATYPE(Kind)
 
-class tst_Variant : public QObject {
+class tst_Types : public QObject {
     Q_OBJECT
 
 private slots:
-    void initAndNullArguments();
-    void copyThenClear_data();
-    void copyThenClear();
-    void copyOntoHeldValues();
-    void badType_data();
-    void badType();
-    void copyOutOfMemory();
+    void bstr_layout_data();
+    void bstr_layout();
+    void bstr_allocStringStopsAtTerminator();
+    void bstr_oddByteLength();
+    void bstr_nullUnfilledAndOversized();
+    void scopedBstrMovesOwnership();
+    void guid_parse_data();
+    void guid_parse();
+    void guid_nullArgumentsAndShortBuffers();
+    void variant_initAndNullArguments();
+    void variant_copyThenClear_data();
+    void variant_copyThenClear();
+    void variant_copyOntoHeldValues();
+    void variant_badType_data();
+    void variant_badType();
+    void variant_copyOutOfMemory();
     void scopedVariantOwnsItsObject();
     void comPtrCountsReferences();
 };
 
-void tst_Variant::initAndNullArguments()
+void tst_Types::bstr_layout_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("empty") << QString();
+    QTest::newRow("embedded_zeros") << QString::fromUtf16(u"a\0b\0\0c", 6);
+}
+
+void tst_Types::bstr_layout()
+{
+    QFETCH(QString, text);
+    const UINT length = UINT(text.size());
+
+    BSTR bstr = SysAllocStringLen(reinterpret_cast<const OLECHAR *>(text.utf16()), length);
+    QVERIFY(bstr);
+    auto guard = qScopeGuard([bstr] { SysFreeString(bstr); });
+
+    QCOMPARE(prefixOf(bstr), uint32_t(length * sizeof(OLECHAR)));
+    QCOMPARE(SysStringLen(bstr), length);
+    QCOMPARE(SysStringByteLen(bstr), UINT(length * sizeof(OLECHAR)));
+    QCOMPARE(QString::fromUtf16(bstr, int(length)), text);
+    QCOMPARE(bstr[length], OLECHAR(0));
+    QCOMPARE(reinterpret_cast<quintptr>(bstr) % alignof(OLECHAR), quintptr(0));
+}
+
+void tst_Types::bstr_allocStringStopsAtTerminator()
+{
+    const std::u16string sources[] = {u"Open", std::u16string(u"Save\0As2", 8), u""};
+    const QString expected[] = {"Open", "Save", ""};
+    for (int i = 0; i < 3; ++i) {
+        ScopedBstr bstr(sources[i].c_str());
+        QVERIFY(bstr.get());
+        QCOMPARE(bstr.length(), UINT(expected[i].size()));
+        QCOMPARE(QString::fromStdU16String(bstr.toU16String()), expected[i]);
+    }
+}
+
+void tst_Types::bstr_oddByteLength()
+{
+    BSTR bstr = SysAllocStringByteLen("abc", 3);
+    QVERIFY(bstr);
+    auto guard = qScopeGuard([bstr] { SysFreeString(bstr); });
+    QCOMPARE(SysStringByteLen(bstr), UINT(3));
+    QCOMPARE(SysStringLen(bstr), UINT(1));
+    const char *raw = reinterpret_cast<const char *>(bstr);
+    QCOMPARE(QByteArray(raw, 5), QByteArray("abc\0\0", 5));
+}
+
+void tst_Types::bstr_nullUnfilledAndOversized()
+{
+    QVERIFY(!SysAllocString(nullptr));
+    QCOMPARE(SysStringLen(nullptr), UINT(0));
+    QCOMPARE(SysStringByteLen(nullptr), UINT(0));
+    SysFreeString(nullptr);
+
+    // Without a source the storage is the caller's to fill, terminated already.
+    BSTR blank = SysAllocStringLen(nullptr, 5);
+    QVERIFY(blank);
+    auto guard = qScopeGuard([blank] { SysFreeString(blank); });
+    QCOMPARE(SysStringLen(blank), UINT(5));
+    QCOMPARE(blank[5], OLECHAR(0));
+    for (int i = 0; i < 5; ++i)
+        blank[i] = OLECHAR(u'v' + i);
+    QCOMPARE(QString::fromUtf16(blank), QStringLiteral("vwxyz"));
+
+    QVERIFY(!SysAllocStringLen(nullptr, UINT_MAX / 2));
+    QVERIFY(!SysAllocStringByteLen(nullptr, UINT_MAX));
+}
+
+void tst_Types::scopedBstrMovesOwnership()
+{
+    const std::u16string text(u"x\0y", 3);
+    ScopedBstr first(text);
+    QCOMPARE(first.length(), UINT(3));
+    const BSTR raw = first.get();
+
+    ScopedBstr second(std::move(first));
+    QVERIFY(!first.get());
+    QVERIFY(second.get() == raw);
+    QVERIFY(second.toU16String() == text);
+
+    ScopedBstr out;
+    *out.receive() = second.release();
+    QVERIFY(!second.get());
+    QVERIFY(out.get() == raw);
+    QVERIFY(first.toU16String().empty());
+}
+
+void tst_Types::guid_parse_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<HRESULT>("expected");
+    QTest::addColumn<GUID>("guid");
+    // Whether text is also what StringFromGUID2 writes for guid.
+    QTest::addColumn<bool>("canonical");
+
+    const auto good = [](const char *tag, REFGUID guid, const QString &text, bool canonical = true) {
+        QTest::newRow(tag) << text << S_OK << guid << canonical;
+    };
+    const auto bad = [](const char *tag, const QString &text) {
+        QTest::newRow(tag) << text << CO_E_CLASSSTRING << GUID_NULL << false;
+    };
+    good("mixed_bytes", Sample, "{8E1F0A52-3C4B-4D6E-9F70-1A2B3C4D5E6F}");
+    good("lower_case", Sample, "{8e1f0a52-3c4b-4d6e-9f70-1a2b3c4d5e6f}", false);
+    good("empty_is_null_guid", GUID_NULL, "", false);
+
+    bad("missing_closing_brace", "{8E1F0A52-3C4B-4D6E-9F70-1A2B3C4D5E6F");
+    bad("non_hex_digit", "{8E1F0A52-3C4B-4D6E-9F70-1A2B3C4D5E6G}");
+    bad("dash_moved", "{8E1F0A523-C4B-4D6E-9F70-1A2B3C4D5E6F}");
+    bad("sign_in_number", "{+E1F0A52-3C4B-4D6E-9F70-1A2B3C4D5E6F}");
+    bad("unregistered_progid", "Nobody.Registered.This");
+}
+
+void tst_Types::guid_parse()
+{
+    QFETCH(QString, text);
+    QFETCH(HRESULT, expected);
+    QFETCH(GUID, guid);
+    QFETCH(bool, canonical);
+
+    if (canonical)
+        QCOMPARE(guidText(guid), text);
+    CLSID parsed;
+    std::memset(&parsed, 0x5A, sizeof(parsed));
+    QCOMPARE(CLSIDFromString(text.toStdU16String().c_str(), &parsed), expected);
+    QVERIFY(IsEqualGUID(parsed, guid));
+}
+
+void tst_Types::guid_nullArgumentsAndShortBuffers()
+{
+    CLSID parsed = Sample;
+    QCOMPARE(CLSIDFromString(nullptr, &parsed), S_OK);
+    QVERIFY(parsed == GUID_NULL);
+    QCOMPARE(CLSIDFromString(u"{8E1F0A52-3C4B-4D6E-9F70-1A2B3C4D5E6F}", nullptr), E_INVALIDARG);
+
+    OLECHAR buffer[40];
+    std::fill(std::begin(buffer), std::end(buffer), OLECHAR(u'#'));
+    QCOMPARE(StringFromGUID2(Sample, buffer, 38), 0);
+    QCOMPARE(buffer[0], OLECHAR(u'#'));
+    QCOMPARE(StringFromGUID2(Sample, nullptr, 39), 0);
+    QCOMPARE(StringFromGUID2(Sample, buffer, 40), 39);
+    QCOMPARE(buffer[38], OLECHAR(0));
+    QCOMPARE(buffer[39], OLECHAR(u'#'));
+}
+
+void tst_Types::variant_initAndNullArguments()
 {
     VARIANT v;
     std::memset(&v, 0xAB, sizeof(v));
@@ -63,7 +229,7 @@ void tst_Variant::initAndNullArguments()
     QCOMPARE(VariantCopy(&v, nullptr), E_INVALIDARG);
 }
 
-void tst_Variant::copyThenClear_data()
+void tst_Types::variant_copyThenClear_data()
 {
     QTest::addColumn<Kind>("kind");
     QTest::addColumn<int>("refsWhileCopied");
@@ -75,7 +241,7 @@ void tst_Variant::copyThenClear_data()
     QTest::newRow("byref_shares_pointer_and_is_not_followed") << Kind::ByRefI4 << 1;
 }
 
-void tst_Variant::copyThenClear()
+void tst_Types::variant_copyThenClear()
 {
     QFETCH(Kind, kind);
     QFETCH(int, refsWhileCopied);
@@ -111,7 +277,7 @@ void tst_Variant::copyThenClear()
     QCOMPARE(referenced, LONG(5));
 }
 
-void tst_Variant::copyOntoHeldValues()
+void tst_Types::variant_copyOntoHeldValues()
 {
     CountingDispatch held;
     CountingDispatch incoming;
@@ -134,7 +300,7 @@ void tst_Variant::copyOntoHeldValues()
     QCOMPARE(incoming.refs, 1);
 }
 
-void tst_Variant::badType_data()
+void tst_Types::variant_badType_data()
 {
     QTest::addColumn<VARTYPE>("badType");
 
@@ -144,7 +310,7 @@ void tst_Variant::badType_data()
     QTest::newRow("array_unsupported") << VARTYPE(VT_ARRAY | VT_I4);
 }
 
-void tst_Variant::badType()
+void tst_Types::variant_badType()
 {
     QFETCH(VARTYPE, badType);
 
@@ -167,7 +333,7 @@ void tst_Variant::badType()
     QCOMPARE(held.refs, 1);
 }
 
-void tst_Variant::copyOutOfMemory()
+void tst_Types::variant_copyOutOfMemory()
 {
     // A string whose length prefix claims more than any allocation may hold; it is never read.
     uint32_t forged[2] = {0xFFFFFFFCu, 0};
@@ -185,7 +351,7 @@ void tst_Variant::copyOutOfMemory()
     QCOMPARE(held.refs, 1);
 }
 
-void tst_Variant::scopedVariantOwnsItsObject()
+void tst_Types::scopedVariantOwnsItsObject()
 {
     CountingDispatch object;
     {
@@ -214,7 +380,7 @@ void tst_Variant::scopedVariantOwnsItsObject()
     QCOMPARE(SysStringLen(text.get().bstrVal), UINT(3));
 }
 
-void tst_Variant::comPtrCountsReferences()
+void tst_Types::comPtrCountsReferences()
 {
     CountingDispatch object;
     {
@@ -239,5 +405,5 @@ void tst_Variant::comPtrCountsReferences()
     QCOMPARE(object.refs, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_Variant)
-#include "tst_variant.moc"
+QTEST_GUILESS_MAIN(tst_Types)
+#include "tst_types.moc"
