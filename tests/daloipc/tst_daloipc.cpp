@@ -351,10 +351,7 @@ void tst_DaloIpc::refusedCallsAndGoneReceivers()
     Receiver receiver;
     UploadFilesToCloudArg arg;
     const QGenericArgument upload("UploadFilesToCloudArg", &arg);
-    QVERIFY(DaloIpcAsynCallEx("deleteEverything", upload, &receiver, "onUpload").isEmpty());
     QVERIFY(DaloIpcAsynCallEx("openVirtualCloudDisk", upload, &receiver, "onOpen").isEmpty());
-    QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", QGenericArgument("QString", &arg), &receiver, "onUpload")
-                .isEmpty());
     QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", upload, nullptr, "onUpload").isEmpty());
     QVERIFY(DaloIpcAsynCallEx("uploadFilesToCloud", QGenericArgument("UploadFilesToCloudArg", nullptr),
                               &receiver, "onUpload").isEmpty());

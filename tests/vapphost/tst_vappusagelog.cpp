@@ -40,7 +40,6 @@ void tst_VAppUsageLog::eventsReadBack_data()
 {
     QTest::addColumn<QVector<Event>>("events");
 
-    QTest::newRow("event_without_params") << QVector<Event>{{"vas_wordmerge_show", {}}};
     QTest::newRow("several_events_in_order") << QVector<Event>{
         {"vas_wordmerge_click", {{"type", "start_up"}}},
         {"vas_wordmerge_popup", {{"type", "processing"}, {"action", "show"}}},
@@ -48,8 +47,6 @@ void tst_VAppUsageLog::eventsReadBack_data()
     QTest::newRow("quotes_newlines_and_unicode") << QVector<Event>{
         {"vas_wordmerge_addfile", {{"name", "Bericht \"März\"\nÜbersicht 报告.docx"},
                                    {"path", "C:\\Users\\x\\a|b"}}}};
-    QTest::newRow("empty_key_and_value") << QVector<Event>{
-        {"vas_wordmerge_popup", {{"", ""}, {"type", ""}}}};
 }
 
 void tst_VAppUsageLog::eventsReadBack()
