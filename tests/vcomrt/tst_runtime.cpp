@@ -2,6 +2,8 @@
 
 #include <climits>
 #include <cstring>
+#include <functional>
+#include <thread>
 
 #include <vcomrt/comptr.h>
 #include <vcomrt/scopedbstr.h>
@@ -40,12 +42,67 @@ void fill(VARIANT *v, Kind kind, CountingDispatch *object, LONG *referenced)
     }
 }
 
+// {0D9C1B7A-6E5F-4A3B-8C2D-1E0F9A8B7C6D}: never registered, so creating it tells apart a thread
+// that may activate (REGDB_E_CLASSNOTREG) from one that may not (CO_E_NOTINITIALIZED).
+const CLSID UnregisteredClass = {0x0D9C1B7A, 0x6E5F, 0x4A3B, {0x8C, 0x2D, 0x1E, 0x0F, 0x9A, 0x8B, 0x7C, 0x6D}};
+
+HRESULT probe()
+{
+    void *object = reinterpret_cast<void *>(0x1);
+    const HRESULT hr = CoCreateInstance(UnregisteredClass, nullptr, CLSCTX_ALL, IID_IDispatch, &object);
+    return object ? E_UNEXPECTED : hr;
+}
+
+HRESULT onFreshThread(const std::function<HRESULT()> &work)
+{
+    HRESULT result = E_UNEXPECTED;
+    std::thread thread([&] { result = work(); });
+    thread.join();
+    return result;
+}
+
+// The Other steps run on a thread of their own, which ends with the step.
+enum Op { Sta, Mta, StaWithReserved, Uninit, Probe, OtherProbe, OtherSta };
+
+struct Step {
+    Op op;
+    HRESULT expected;
+};
+
+HRESULT perform(Op op)
+{
+    static int reserved = 0;
+    switch (op) {
+    case Sta:
+        return CoInitialize(nullptr);
+    case Mta:
+        return CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    case StaWithReserved:
+        return CoInitialize(&reserved);
+    case Uninit:
+        CoUninitialize();
+        return S_OK;
+    case Probe:
+        return probe();
+    case OtherProbe:
+        return onFreshThread(probe);
+    case OtherSta:
+        return onFreshThread([] {
+            const HRESULT hr = CoInitialize(nullptr);
+            CoUninitialize();
+            return hr;
+        });
+    }
+    return E_UNEXPECTED;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(GUID)
 Q_DECLARE_METATYPE(Kind)
+Q_DECLARE_METATYPE(QVector<Step>)
 
-class tst_Types : public QObject {
+class tst_Runtime : public QObject {
     Q_OBJECT
 
 private slots:
@@ -67,9 +124,11 @@ private slots:
     void variant_copyOutOfMemory();
     void scopedVariantOwnsItsObject();
     void comPtrCountsReferences();
+    void apartment_sequence_data();
+    void apartment_sequence();
 };
 
-void tst_Types::bstr_layout_data()
+void tst_Runtime::bstr_layout_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -77,7 +136,7 @@ void tst_Types::bstr_layout_data()
     QTest::newRow("embedded_zeros") << QString::fromUtf16(u"a\0b\0\0c", 6);
 }
 
-void tst_Types::bstr_layout()
+void tst_Runtime::bstr_layout()
 {
     QFETCH(QString, text);
     const UINT length = UINT(text.size());
@@ -94,7 +153,7 @@ void tst_Types::bstr_layout()
     QCOMPARE(reinterpret_cast<quintptr>(bstr) % alignof(OLECHAR), quintptr(0));
 }
 
-void tst_Types::bstr_allocStringStopsAtTerminator()
+void tst_Runtime::bstr_allocStringStopsAtTerminator()
 {
     const std::u16string sources[] = {u"Open", std::u16string(u"Save\0As2", 8), u""};
     const QString expected[] = {"Open", "Save", ""};
@@ -106,7 +165,7 @@ void tst_Types::bstr_allocStringStopsAtTerminator()
     }
 }
 
-void tst_Types::bstr_oddByteLength()
+void tst_Runtime::bstr_oddByteLength()
 {
     BSTR bstr = SysAllocStringByteLen("abc", 3);
     QVERIFY(bstr);
@@ -117,7 +176,7 @@ void tst_Types::bstr_oddByteLength()
     QCOMPARE(QByteArray(raw, 5), QByteArray("abc\0\0", 5));
 }
 
-void tst_Types::bstr_nullUnfilledAndOversized()
+void tst_Runtime::bstr_nullUnfilledAndOversized()
 {
     QVERIFY(!SysAllocString(nullptr));
     QCOMPARE(SysStringLen(nullptr), UINT(0));
@@ -138,7 +197,7 @@ void tst_Types::bstr_nullUnfilledAndOversized()
     QVERIFY(!SysAllocStringByteLen(nullptr, UINT_MAX));
 }
 
-void tst_Types::scopedBstrMovesOwnership()
+void tst_Runtime::scopedBstrMovesOwnership()
 {
     const std::u16string text(u"x\0y", 3);
     ScopedBstr first(text);
@@ -157,7 +216,7 @@ void tst_Types::scopedBstrMovesOwnership()
     QVERIFY(first.toU16String().empty());
 }
 
-void tst_Types::guid_parse_data()
+void tst_Runtime::guid_parse_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<HRESULT>("expected");
@@ -182,7 +241,7 @@ void tst_Types::guid_parse_data()
     bad("unregistered_progid", "Nobody.Registered.This");
 }
 
-void tst_Types::guid_parse()
+void tst_Runtime::guid_parse()
 {
     QFETCH(QString, text);
     QFETCH(HRESULT, expected);
@@ -197,7 +256,7 @@ void tst_Types::guid_parse()
     QVERIFY(IsEqualGUID(parsed, guid));
 }
 
-void tst_Types::guid_nullArgumentsAndShortBuffers()
+void tst_Runtime::guid_nullArgumentsAndShortBuffers()
 {
     CLSID parsed = Sample;
     QCOMPARE(CLSIDFromString(nullptr, &parsed), S_OK);
@@ -214,7 +273,7 @@ void tst_Types::guid_nullArgumentsAndShortBuffers()
     QCOMPARE(buffer[39], OLECHAR(u'#'));
 }
 
-void tst_Types::variant_initAndNullArguments()
+void tst_Runtime::variant_initAndNullArguments()
 {
     VARIANT v;
     std::memset(&v, 0xAB, sizeof(v));
@@ -229,7 +288,7 @@ void tst_Types::variant_initAndNullArguments()
     QCOMPARE(VariantCopy(&v, nullptr), E_INVALIDARG);
 }
 
-void tst_Types::variant_copyThenClear_data()
+void tst_Runtime::variant_copyThenClear_data()
 {
     QTest::addColumn<Kind>("kind");
     QTest::addColumn<int>("refsWhileCopied");
@@ -241,7 +300,7 @@ void tst_Types::variant_copyThenClear_data()
     QTest::newRow("byref_shares_pointer_and_is_not_followed") << Kind::ByRefI4 << 1;
 }
 
-void tst_Types::variant_copyThenClear()
+void tst_Runtime::variant_copyThenClear()
 {
     QFETCH(Kind, kind);
     QFETCH(int, refsWhileCopied);
@@ -277,7 +336,7 @@ void tst_Types::variant_copyThenClear()
     QCOMPARE(referenced, LONG(5));
 }
 
-void tst_Types::variant_copyOntoHeldValues()
+void tst_Runtime::variant_copyOntoHeldValues()
 {
     CountingDispatch held;
     CountingDispatch incoming;
@@ -300,7 +359,7 @@ void tst_Types::variant_copyOntoHeldValues()
     QCOMPARE(incoming.refs, 1);
 }
 
-void tst_Types::variant_badType_data()
+void tst_Runtime::variant_badType_data()
 {
     QTest::addColumn<VARTYPE>("badType");
 
@@ -310,7 +369,7 @@ void tst_Types::variant_badType_data()
     QTest::newRow("array_unsupported") << VARTYPE(VT_ARRAY | VT_I4);
 }
 
-void tst_Types::variant_badType()
+void tst_Runtime::variant_badType()
 {
     QFETCH(VARTYPE, badType);
 
@@ -333,7 +392,7 @@ void tst_Types::variant_badType()
     QCOMPARE(held.refs, 1);
 }
 
-void tst_Types::variant_copyOutOfMemory()
+void tst_Runtime::variant_copyOutOfMemory()
 {
     // A string whose length prefix claims more than any allocation may hold; it is never read.
     uint32_t forged[2] = {0xFFFFFFFCu, 0};
@@ -351,7 +410,7 @@ void tst_Types::variant_copyOutOfMemory()
     QCOMPARE(held.refs, 1);
 }
 
-void tst_Types::scopedVariantOwnsItsObject()
+void tst_Runtime::scopedVariantOwnsItsObject()
 {
     CountingDispatch object;
     {
@@ -380,7 +439,7 @@ void tst_Types::scopedVariantOwnsItsObject()
     QCOMPARE(SysStringLen(text.get().bstrVal), UINT(3));
 }
 
-void tst_Types::comPtrCountsReferences()
+void tst_Runtime::comPtrCountsReferences()
 {
     CountingDispatch object;
     {
@@ -405,5 +464,49 @@ void tst_Types::comPtrCountsReferences()
     QCOMPARE(object.refs, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_Types)
-#include "tst_types.moc"
+void tst_Runtime::apartment_sequence_data()
+{
+    QTest::addColumn<QVector<Step>>("steps");
+
+    const HRESULT notInit = CO_E_NOTINITIALIZED;
+    const HRESULT ready = REGDB_E_CLASSNOTREG;
+
+    // Another thread's apartment neither lets a thread create nor makes its first call a repeat.
+    QTest::newRow("sta_belongs_to_its_thread")
+        << QVector<Step>{{Sta, S_OK}, {Probe, ready}, {OtherProbe, notInit}, {OtherSta, S_OK}, {Sta, S_FALSE}};
+    QTest::newRow("mta_covers_other_threads")
+        << QVector<Step>{{Mta, S_OK}, {OtherProbe, ready}, {OtherSta, S_OK}, {Uninit, S_OK}, {OtherProbe, notInit}};
+    QTest::newRow("nested_needs_as_many_uninits")
+        << QVector<Step>{{Sta, S_OK}, {Sta, S_FALSE}, {Sta, S_FALSE}, {Uninit, S_OK}, {Uninit, S_OK},
+                         {Probe, ready}, {Uninit, S_OK}, {Probe, notInit}};
+    QTest::newRow("extra_uninit_is_harmless")
+        << QVector<Step>{{Uninit, S_OK}, {Sta, S_OK}, {Uninit, S_OK}, {Uninit, S_OK}, {Sta, S_OK}, {Probe, ready}};
+    QTest::newRow("mta_then_sta_refused")
+        << QVector<Step>{{Mta, S_OK}, {Sta, RPC_E_CHANGED_MODE}, {Mta, S_FALSE}, {Uninit, S_OK}, {Uninit, S_OK},
+                         {Probe, notInit}};
+    QTest::newRow("reserved_argument_refused")
+        << QVector<Step>{{StaWithReserved, E_INVALIDARG}, {Probe, notInit}, {Sta, S_OK}};
+}
+
+void tst_Runtime::apartment_sequence()
+{
+    QFETCH(QVector<Step>, steps);
+
+    QVector<HRESULT> results;
+    onFreshThread([&] {
+        for (const Step &step : steps)
+            results.append(perform(step.op));
+        // Leave nothing behind for later rows: a thread's end does not end its MTA membership.
+        for (int i = 0; i < 8; ++i)
+            CoUninitialize();
+        return S_OK;
+    });
+
+    QVector<HRESULT> expected;
+    for (const Step &step : steps)
+        expected.append(step.expected);
+    QCOMPARE(results, expected);
+}
+
+QTEST_GUILESS_MAIN(tst_Runtime)
+#include "tst_runtime.moc"
