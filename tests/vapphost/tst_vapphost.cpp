@@ -1,19 +1,28 @@
 #include <QtTest>
 
+#include <QAction>
+#include <QDialogButtonBox>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QThread>
 
 #include <csignal>
 
+#include "vappaccount.h"
 #include "vappcommandline.h"
 #include "vappcontainer.h"
+#include "vapphostwindow.h"
+#include "vapplogindialog.h"
 #include "vappnotifier.h"
 #include "vappquitsignals.h"
 #include "vappsingleinstance.h"
+#include "vapptheme.h"
 #include "vappusagelog.h"
 
 using Params = QHash<QString, QString>;
@@ -91,10 +100,19 @@ public slots:
     void onSkinChanged(QVariantMap) { delete victim; victim = nullptr; }
 };
 
-class tst_VAppCore : public QObject {
+class tst_VAppHost : public QObject {
     Q_OBJECT
 
 private slots:
+    void init();
+    void window_answersForItsContainer();
+    void window_themeSwitchNotifiesSubscribers_data();
+    void window_themeSwitchNotifiesSubscribers();
+    void window_clientWidgetAccountMenuAndClosing();
+    void account_signInThroughDialog_data();
+    void account_signInThroughDialog();
+    void account_signInAndOutOnceEach();
+    void account_blankNamesNeverSignIn();
     void commandLine_validArguments_data();
     void commandLine_validArguments();
     void commandLine_invalidArguments_data();
@@ -120,7 +138,13 @@ private slots:
     void singleInstance_absolutePathsLeaveUrlsAndEmptyNames();
 };
 
-void tst_VAppCore::commandLine_validArguments_data()
+void tst_VAppHost::init()
+{
+    VAppTheme::setScale(0);
+    QVERIFY(VAppTheme::apply(QStringLiteral("light")));
+}
+
+void tst_VAppHost::commandLine_validArguments_data()
 {
     QTest::addColumn<QStringList>("args");
     // Only the options that differ from a plain start.
@@ -143,7 +167,7 @@ void tst_VAppCore::commandLine_validArguments_data()
     QTest::newRow("short_help_wins_over_bad_value") << QStringList{"--theme", "blue", "-h"} << QVariantMap{{"help", true}};
 }
 
-void tst_VAppCore::commandLine_validArguments()
+void tst_VAppHost::commandLine_validArguments()
 {
     QFETCH(QStringList, args);
     QFETCH(QVariantMap, expected);
@@ -162,7 +186,7 @@ void tst_VAppCore::commandLine_validArguments()
     QCOMPARE(o.quitAfterMs, expected.value("quitAfter", -1).toInt());
 }
 
-void tst_VAppCore::commandLine_invalidArguments_data()
+void tst_VAppHost::commandLine_invalidArguments_data()
 {
     QTest::addColumn<QStringList>("args");
     QTest::addColumn<QString>("errorMentions");
@@ -177,7 +201,7 @@ void tst_VAppCore::commandLine_invalidArguments_data()
     QTest::newRow("addon_empty_path") << QStringList{"--addon="} << "addon";
 }
 
-void tst_VAppCore::commandLine_invalidArguments()
+void tst_VAppHost::commandLine_invalidArguments()
 {
     QFETCH(QStringList, args);
     QFETCH(QString, errorMentions);
@@ -186,7 +210,7 @@ void tst_VAppCore::commandLine_invalidArguments()
     QVERIFY2(commandLine.errorString().contains(errorMentions), qPrintable(commandLine.errorString()));
 }
 
-void tst_VAppCore::usageLog_eventsReadBack_data()
+void tst_VAppHost::usageLog_eventsReadBack_data()
 {
     QTest::addColumn<QVector<Event>>("events");
 
@@ -199,7 +223,7 @@ void tst_VAppCore::usageLog_eventsReadBack_data()
                                    {"path", "C:\\Users\\x\\a|b"}}}};
 }
 
-void tst_VAppCore::usageLog_eventsReadBack()
+void tst_VAppHost::usageLog_eventsReadBack()
 {
     QFETCH(QVector<Event>, events);
     QTemporaryDir dir;
@@ -226,7 +250,7 @@ void tst_VAppCore::usageLog_eventsReadBack()
     }
 }
 
-void tst_VAppCore::usageLog_appendsToExistingFileInNewFolders()
+void tst_VAppHost::usageLog_appendsToExistingFileInNewFolders()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("state/vapphost/usage.jsonl");
@@ -236,7 +260,7 @@ void tst_VAppCore::usageLog_appendsToExistingFileInNewFolders()
                                                  "{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"menu\"}}"}));
 }
 
-void tst_VAppCore::usageLog_unwritablePathFailsCleanly()
+void tst_VAppHost::usageLog_unwritablePathFailsCleanly()
 {
     QTemporaryDir dir;
     QVERIFY(QDir(dir.path()).mkdir("folder"));
@@ -251,7 +275,7 @@ void tst_VAppCore::usageLog_unwritablePathFailsCleanly()
     QCOMPARE(plain.readAll(), QByteArray("not a folder"));
 }
 
-void tst_VAppCore::usageLog_defaultPathFollowsStateHome()
+void tst_VAppHost::usageLog_defaultPathFollowsStateHome()
 {
     const QByteArray saved = qgetenv("XDG_STATE_HOME");
     const bool wasSet = qEnvironmentVariableIsSet("XDG_STATE_HOME");
@@ -274,7 +298,7 @@ void tst_VAppCore::usageLog_defaultPathFollowsStateHome()
     }
 }
 
-void tst_VAppCore::notifier_deliversBySlotName_data()
+void tst_VAppHost::notifier_deliversBySlotName_data()
 {
     QTest::addColumn<QByteArray>("slot");
     QTest::addColumn<QString>("notification");
@@ -288,7 +312,7 @@ void tst_VAppCore::notifier_deliversBySlotName_data()
         << QVariantMap{{"n", 3}, {"flag", true}, {"list", QStringList{"x", "y"}}} << "onOther";
 }
 
-void tst_VAppCore::notifier_deliversBySlotName()
+void tst_VAppHost::notifier_deliversBySlotName()
 {
     QFETCH(QByteArray, slot);
     QFETCH(QString, notification);
@@ -311,7 +335,7 @@ void tst_VAppCore::notifier_deliversBySlotName()
     QCOMPARE(receiver.calls.size(), 1);
 }
 
-void tst_VAppCore::notifier_destroyedSubscribersSkipped()
+void tst_VAppHost::notifier_destroyedSubscribersSkipped()
 {
     VAppNotifier notifier;
     Receiver first;
@@ -333,7 +357,7 @@ void tst_VAppCore::notifier_destroyedSubscribersSkipped()
     QCOMPARE(notifier.subscriberCount("SkinChanged"), 2);
 }
 
-void tst_VAppCore::notifier_invalidSubscriptionsRefused()
+void tst_VAppHost::notifier_invalidSubscriptionsRefused()
 {
     VAppNotifier notifier;
     Receiver receiver;
@@ -355,7 +379,7 @@ void tst_VAppCore::notifier_invalidSubscriptionsRefused()
     QVERIFY(receiver.calls.isEmpty());
 }
 
-void tst_VAppCore::notifier_duplicatesOnceAndMissingSlotsSkipped()
+void tst_VAppHost::notifier_duplicatesOnceAndMissingSlotsSkipped()
 {
     VAppNotifier notifier;
     Receiver wrong;
@@ -372,7 +396,7 @@ void tst_VAppCore::notifier_duplicatesOnceAndMissingSlotsSkipped()
     QCOMPARE(right.calls, (QStringList{"onSkinChanged", "onOther"}));
 }
 
-void tst_VAppCore::notifier_receiverOnAnotherThreadCalledThere()
+void tst_VAppHost::notifier_receiverOnAnotherThreadCalledThere()
 {
     QThread worker;
     worker.start();
@@ -399,7 +423,7 @@ void tst_VAppCore::notifier_receiverOnAnotherThreadCalledThere()
     QCOMPARE(params, (QVariantMap{{"skin", "dark"}}));
 }
 
-void tst_VAppCore::quitSignals_signalBecomesQuitRequest_data()
+void tst_VAppHost::quitSignals_signalBecomesQuitRequest_data()
 {
     QTest::addColumn<int>("signalNumber");
     // SIGTERM is raised in onlyOneWatcherPerProcess and stops the host in the process test.
@@ -407,7 +431,7 @@ void tst_VAppCore::quitSignals_signalBecomesQuitRequest_data()
     QTest::newRow("SIGHUP") << int(SIGHUP);
 }
 
-void tst_VAppCore::quitSignals_signalBecomesQuitRequest()
+void tst_VAppHost::quitSignals_signalBecomesQuitRequest()
 {
     QFETCH(int, signalNumber);
     VAppQuitSignals watcher;
@@ -422,7 +446,7 @@ void tst_VAppCore::quitSignals_signalBecomesQuitRequest()
     QCOMPARE(spy.at(1).at(0).toInt(), signalNumber);
 }
 
-void tst_VAppCore::quitSignals_onlyOneWatcherPerProcess()
+void tst_VAppHost::quitSignals_onlyOneWatcherPerProcess()
 {
     auto first = std::make_unique<VAppQuitSignals>();
     VAppQuitSignals second;
@@ -440,7 +464,7 @@ void tst_VAppCore::quitSignals_onlyOneWatcherPerProcess()
     QVERIFY(third.isWatching());
 }
 
-void tst_VAppCore::singleInstance_filesArriveAsSecondInstance_data()
+void tst_VAppHost::singleInstance_filesArriveAsSecondInstance_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QString>("expectedArgs");
@@ -451,7 +475,7 @@ void tst_VAppCore::singleInstance_filesArriveAsSecondInstance_data()
     QTest::newRow("no_files_only_asks_to_be_shown") << QStringList() << "{\"file\":\"\"}";
 }
 
-void tst_VAppCore::singleInstance_filesArriveAsSecondInstance()
+void tst_VAppHost::singleInstance_filesArriveAsSecondInstance()
 {
     QFETCH(QStringList, files);
     QFETCH(QString, expectedArgs);
@@ -469,7 +493,7 @@ void tst_VAppCore::singleInstance_filesArriveAsSecondInstance()
     QCOMPARE(VAppContainer::secondInstanceArgs(files), expectedArgs);
 }
 
-void tst_VAppCore::singleInstance_staleFileSecondListenerAndMalformedMessages()
+void tst_VAppHost::singleInstance_staleFileSecondListenerAndMalformedMessages()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
@@ -507,7 +531,7 @@ void tst_VAppCore::singleInstance_staleFileSecondListenerAndMalformedMessages()
     QTRY_COMPARE(spy.count(), 1);
 }
 
-void tst_VAppCore::singleInstance_silentServerTimesOut()
+void tst_VAppHost::singleInstance_silentServerTimesOut()
 {
     // A server that accepts but never answers, like a hung host.
     const QString name = privateServerName();
@@ -521,11 +545,233 @@ void tst_VAppCore::singleInstance_silentServerTimesOut()
 }
 
 // Relative and absolute paths are handed over by the process test.
-void tst_VAppCore::singleInstance_absolutePathsLeaveUrlsAndEmptyNames()
+void tst_VAppHost::singleInstance_absolutePathsLeaveUrlsAndEmptyNames()
 {
     const QStringList files{"file:///a/b.doc", ""};
     QCOMPARE(VAppSingleInstance::absolutePaths(files, QStringLiteral("/work/dir")), files);
 }
 
-QTEST_GUILESS_MAIN(tst_VAppCore)
-#include "tst_vappcore.moc"
+void tst_VAppHost::window_answersForItsContainer()
+{
+    QTemporaryDir dir;
+    VAppContainer container;
+    container.setUsageLogPath(dir.filePath("usage.jsonl"));
+    auto *window = new VAppHostWindow(&container);
+    container.setMainWindow(window);
+    // The add-on finds the window by a type check on what the container hands out.
+    AppFrameWork::IVAppContainer *asContainer = &container;
+    QCOMPARE(dynamic_cast<VAppMainWindow *>(asContainer->mainWindow()), static_cast<VAppMainWindow *>(window));
+    QCOMPARE(window->mainWindow(), static_cast<AppFrameWork::IVAppContainer *>(window));
+
+    AppFrameWork::IVAppContainer *viaWindow = window;
+    QCOMPARE(viaWindow->account(), container.account());
+    QCOMPARE(viaWindow->startInfo(), container.startInfo());
+    viaWindow->postEvent(QStringLiteral("vas_wordmerge_show"), {{"src", "desk"}});
+    QFile log(dir.filePath("usage.jsonl"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QCOMPARE(log.readAll(), QByteArray("{\"event\":\"vas_wordmerge_show\",\"params\":{\"src\":\"desk\"}}\n"));
+    Receiver receiver;
+    viaWindow->subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
+    QCOMPARE(container.notify(QStringLiteral("SkinChanged"), {{"skin", "dark"}}), 1);
+    QCOMPARE(receiver.maps.size(), 1);
+
+    delete window;
+    QCOMPARE(container.mainWindow(), nullptr);
+}
+
+void tst_VAppHost::window_themeSwitchNotifiesSubscribers_data()
+{
+    QTest::addColumn<QString>("start");
+    // "light"/"dark": menu action; "set:<name>": setTheme; "bad:<name>": setTheme refused
+    QTest::addColumn<QStringList>("actions");
+    QTest::addColumn<QStringList>("skins");     // the "skin" values notified, in order
+
+    QTest::newRow("dark_and_back_by_menu")
+        << "light" << QStringList{"dark", "light"} << QStringList{"dark", "light"};
+    QTest::newRow("same_theme_again_is_silent")
+        << "light" << QStringList{"light", "set:light"} << QStringList();
+    QTest::newRow("dark_start_then_light_by_call")
+        << "dark" << QStringList{"set:light", "set:light"} << QStringList{"light"};
+    QTest::newRow("unknown_theme_refused") << "light" << QStringList{"bad:sepia"} << QStringList();
+}
+
+void tst_VAppHost::window_themeSwitchNotifiesSubscribers()
+{
+    QFETCH(QString, start);
+    QFETCH(QStringList, actions);
+    QFETCH(QStringList, skins);
+
+    QVERIFY(VAppTheme::apply(start));
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+    QCOMPARE(window.theme(), start);
+    QCOMPARE(window.darkThemeAction()->isChecked(), start == QLatin1String("dark"));
+    Receiver receiver;
+    container.subscribe(QStringLiteral("SkinChanged"), &receiver, "onSkinChanged");
+    QSignalSpy spy(&window, &VAppHostWindow::themeChanged);
+    QVERIFY(spy.isValid());
+
+    for (const QString &action : actions) {
+        if (action.startsWith(QLatin1String("set:"))) {
+            QVERIFY(window.setTheme(action.mid(4)));
+        } else if (action.startsWith(QLatin1String("bad:"))) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unknown theme"));
+            QVERIFY(!window.setTheme(action.mid(4)));
+        } else {
+            (action == QLatin1String("dark") ? window.darkThemeAction() : window.lightThemeAction())->trigger();
+        }
+    }
+
+    QCOMPARE(spy.count(), skins.size());
+    QCOMPARE(receiver.maps.size(), skins.size());
+    for (int i = 0; i < skins.size(); ++i) {
+        QCOMPARE(spy.at(i).at(0).toString(), skins.at(i));
+        QCOMPARE(receiver.maps.at(i), (QVariantMap{{"skin", skins.at(i)}}));
+    }
+    const QString final = skins.isEmpty() ? start : skins.last();
+    QCOMPARE(VAppTheme::current(), final);
+    QCOMPARE(window.theme(), final);
+    QCOMPARE(window.darkThemeAction()->isChecked(), final == QLatin1String("dark"));
+    QCOMPARE(window.lightThemeAction()->isChecked(), final == QLatin1String("light"));
+    // Plain Qt widgets (menus, the sign-in dialog) follow through the application palette.
+    QCOMPARE(QApplication::palette().color(QPalette::Window).lightness() < 128,
+             final == QLatin1String("dark"));
+    QCOMPARE(QApplication::palette().color(QPalette::WindowText).lightness() > 128,
+             final == QLatin1String("dark"));
+}
+
+void tst_VAppHost::window_clientWidgetAccountMenuAndClosing()
+{
+    VAppContainer container;
+    VAppHostWindow window(&container);
+    container.setMainWindow(&window);
+    window.setClientWidget(nullptr);
+    auto *notice = qobject_cast<QLabel *>(window.centralWidget());
+    QVERIFY(notice);
+    QVERIFY(!notice->text().isEmpty());
+    QPointer<QWidget> client = new QWidget;
+    window.setClientWidget(client);
+    QCOMPARE(window.centralWidget(), client.data());
+    QCOMPARE(client->parentWidget(), &window);
+
+    QSignalSpy closing(&window, &VAppHostWindow::closing);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(window.signInAction()->isEnabled());
+    QVERIFY(!window.signOutAction()->isEnabled());
+    window.signInAction()->trigger();
+    VAppLoginDialog *dialog = container.hostAccount()->loginDialog();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->parentWidget(), &window);
+    dialog->nameEdit()->setText(QStringLiteral("grace"));
+    dialog->accept();
+    QTRY_VERIFY(container.account()->isLogin());
+    QVERIFY(!window.signInAction()->isEnabled());
+    QVERIFY(window.signOutAction()->isEnabled());
+    window.signOutAction()->trigger();
+    QVERIFY(!container.account()->isLogin());
+    QVERIFY(window.signInAction()->isEnabled());
+
+    // Closed twice, the window tells once that it closes.
+    QVERIFY(window.close());
+    window.show();
+    QVERIFY(window.close());
+    QCOMPARE(closing.count(), 1);
+}
+
+void tst_VAppHost::account_signInThroughDialog_data()
+{
+    QTest::addColumn<QString>("typed");       // null: keep the suggested name
+    QTest::addColumn<bool>("accept");
+    QTest::addColumn<bool>("signedIn");
+    QTest::addColumn<QString>("userId");      // "<local>": the local login name
+
+    QTest::newRow("accept_suggested_local_name") << QString() << true << true << "<local>";
+    QTest::newRow("typed_name_trimmed") << "  carol  " << true << true << "carol";
+    QTest::newRow("cancel_stays_signed_out") << "dave" << false << false << "";
+}
+
+void tst_VAppHost::account_signInThroughDialog()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, accept);
+    QFETCH(bool, signedIn);
+    QFETCH(QString, userId);
+    if (userId == QLatin1String("<local>"))
+        userId = VAppAccount::localUserName();
+
+    QWidget parent;
+    parent.show();
+    VAppAccount account;
+    account.setDialogParent(&parent);
+    QSignalSpy spy(&account, &VAppAccount::loginChanged);
+    QVERIFY(spy.isValid());
+    QVERIFY(!account.isLogin());
+
+    // login() returns at once; asked again while the dialog is open, it opens no second one.
+    account.login(QVariantMap());
+    QPointer<VAppLoginDialog> dialog = account.loginDialog();
+    QVERIFY(dialog);
+    account.login(QVariantMap());
+    QCOMPARE(parent.findChildren<VAppLoginDialog *>().size(), 1);
+    QTRY_VERIFY(dialog->isVisible());
+    QCOMPARE(dialog->nameEdit()->text(), VAppAccount::localUserName());
+    if (!typed.isNull()) {
+        dialog->nameEdit()->selectAll();
+        QTest::keyClicks(dialog->nameEdit(), typed);
+    }
+    QPushButton *button = dialog->buttonBox()->button(accept ? QDialogButtonBox::Ok
+                                                             : QDialogButtonBox::Cancel);
+    QVERIFY(button->isEnabled());
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(account.isLogin(), signedIn);
+    QCOMPARE(spy.count(), signedIn ? 1 : 0);
+    AppFrameWork::VAppUserInfo info;
+    account.userInfo(info);
+    QCOMPARE(info.userId, userId);
+    QCOMPARE(info.userName.isEmpty(), !signedIn);
+}
+
+void tst_VAppHost::account_signInAndOutOnceEach()
+{
+    VAppAccount account;
+    QSignalSpy spy(&account, &VAppAccount::loginChanged);
+    account.signIn(QStringLiteral("frank"));
+    account.signIn(QStringLiteral("frank"));
+    // Signed in already: no dialog and no change.
+    account.login(QVariantMap());
+    QVERIFY(!account.loginDialog());
+    QVERIFY(account.isLogin());
+    account.signOut();
+    account.signOut();
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(spy.at(0).at(0).toBool(), true);
+    QCOMPARE(spy.at(1).at(0).toBool(), false);
+    QVERIFY(!account.isLogin());
+    AppFrameWork::VAppUserInfo info{QStringLiteral("x"), QStringLiteral("y")};
+    account.userInfo(info);
+    QVERIFY(info.userId.isEmpty());
+    QVERIFY(info.userName.isEmpty());
+}
+
+void tst_VAppHost::account_blankNamesNeverSignIn()
+{
+    VAppAccount account;
+    QSignalSpy spy(&account, &VAppAccount::loginChanged);
+    VAppLoginDialog dialog(QStringLiteral("someone"));
+    QPushButton *ok = dialog.buttonBox()->button(QDialogButtonBox::Ok);
+    QVERIFY(ok->isEnabled());
+    for (const QString name : {"", "   ", "\t\n"}) {
+        account.signIn(name);
+        QVERIFY(!account.isLogin());
+        dialog.nameEdit()->setText(name);
+        QVERIFY(!ok->isEnabled());
+    }
+    QCOMPARE(spy.count(), 0);
+}
+
+QTEST_MAIN(tst_VAppHost)
+#include "tst_vapphost.moc"
