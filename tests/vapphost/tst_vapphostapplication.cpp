@@ -99,8 +99,6 @@ void tst_VAppHostApplication::failedStart_data()
                                    << QStringList{"<dir>/nowhere/libvdocumentmerger.so", "does not exist"};
     QTest::newRow("addon_not_a_library") << QStringList{"--addon", "<dir>/garbage.so"} + files << 2
                                          << QStringList{"<dir>/garbage.so", "cannot load"};
-    QTest::newRow("addon_without_entry_points") << QStringList{"--addon", NOEXPORTS_ADDON} + files << 2
-                                                << QStringList{NOEXPORTS_ADDON, "Initialize, CreateClientWidget, Destroy"};
     QTest::newRow("addon_without_destroy") << QStringList{"--addon", PARTIAL_ADDON} + files << 2
                                            << QStringList{PARTIAL_ADDON, "export Destroy"};
     QTest::newRow("screenshot_unwritable")

@@ -9,6 +9,7 @@
 #include <vcomrt/com.h>
 #include <vcomrt/comptr.h>
 
+#include "comtesthelpers.h"
 #include "testserverids.h"
 
 namespace {
@@ -17,12 +18,6 @@ const CLSID CLSID_Missing = {0x7A000001, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00
 const CLSID CLSID_NoExport = {0x7A000002, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02}};
 const CLSID CLSID_NotALibrary = {0x7A000003, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03}};
 const CLSID CLSID_Unregistered = {0x7A000004, 0x0000, 0x4000, {0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x04}};
-
-QString guidText(REFGUID guid)
-{
-    OLECHAR buffer[39];
-    return StringFromGUID2(guid, buffer, 39) ? QString::fromUtf16(buffer) : QString();
-}
 
 using ServerCounter = int (*)();
 
@@ -64,18 +59,6 @@ HRESULT clsidOf(const QString &progId, CLSID *clsid)
     const std::u16string text = progId.toStdU16String();
     return CLSIDFromProgID(text.c_str(), clsid);
 }
-
-class OuterUnknown : public IUnknown {
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void **ppvObject) override
-    {
-        *ppvObject = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ULONG(++refs); }
-    ULONG STDMETHODCALLTYPE Release() override { return ULONG(--refs); }
-    int refs = 1;
-};
 
 // Points VCOMRT_REGISTRY elsewhere until the returned guard goes; initTestCase always sets it.
 auto overrideRegistry(const QByteArray &value)
@@ -131,8 +114,6 @@ void tst_Activation::initTestCase()
     QVERIFY(writeFile(dir + "/notalibrary.reg", registration("VComRt.NotALibrary", CLSID_NotALibrary, "garbage.so")));
     QVERIFY(writeFile(dir + "/unserved.reg", registration("VComRt.Unserved", CLSID_VComRtUnservedObject, server)));
     QVERIFY(writeFile(dir + "/throwing.reg", registration("VComRt.Throwing", CLSID_VComRtThrowingObject, server)));
-    // A double of the word processor under its real ProgID, as engine tests register one.
-    QVERIFY(writeFile(dir + "/VZyl.Application.reg", registration("VZyl.Application", CLSID_VComRtTestObject, server)));
     qputenv("VCOMRT_REGISTRY", dir.toLocal8Bit() + ':' + m_buildRegistry);
 }
 
@@ -187,13 +168,9 @@ void tst_Activation::clsidFromProgId_data()
     QTest::addColumn<HRESULT>("expected");
     QTest::addColumn<GUID>("clsid");
 
-    QTest::newRow("registered_by_the_build") << "VComRt.TestServer" << S_OK << CLSID_VComRtTestObject;
     QTest::newRow("any_ascii_case") << "vcomrt.TESTSERVER" << S_OK << CLSID_VComRtTestObject;
-    QTest::newRow("double_under_product_progid") << "VZyl.Application" << S_OK << CLSID_VComRtTestObject;
     QTest::newRow("registered_at_run_time") << "VComRt.NoExport" << S_OK << CLSID_NoExport;
-    QTest::newRow("unknown") << "VComRt.Nobody" << CO_E_CLASSSTRING << CLSID_NULL;
     QTest::newRow("prefix_of_registered") << "VComRt.Test" << CO_E_CLASSSTRING << CLSID_NULL;
-    QTest::newRow("trailing_blank") << "VComRt.TestServer " << CO_E_CLASSSTRING << CLSID_NULL;
     QTest::newRow("empty") << "" << CO_E_CLASSSTRING << CLSID_NULL;
 }
 
@@ -219,9 +196,7 @@ void tst_Activation::createInstance_data()
     QTest::addColumn<GUID>("iid");
     QTest::addColumn<HRESULT>("expected");
 
-    const uint inproc = CLSCTX_INPROC_SERVER;
-    QTest::newRow("dispatch_with_client_context") << CLSID_VComRtTestObject << false << 0x17u << IID_IDispatch << S_OK;
-    QTest::newRow("unknown_inproc_only") << CLSID_VComRtTestObject << false << inproc << IID_IUnknown << S_OK;
+    QTest::newRow("unknown_inproc_only") << CLSID_VComRtTestObject << false << uint(CLSCTX_INPROC_SERVER) << IID_IUnknown << S_OK;
     QTest::newRow("wrong_interface") << CLSID_VComRtTestObject << false << 0x17u << IID_IClassFactory << E_NOINTERFACE;
     QTest::newRow("aggregation_refused") << CLSID_VComRtTestObject << true << 0x17u << IID_IUnknown << CLASS_E_NOAGGREGATION;
     QTest::newRow("local_server_only") << CLSID_VComRtTestObject << false << uint(CLSCTX_LOCAL_SERVER) << IID_IDispatch << REGDB_E_CLASSNOTREG;
@@ -241,7 +216,7 @@ void tst_Activation::createInstance()
     QFETCH(GUID, iid);
     QFETCH(HRESULT, expected);
 
-    OuterUnknown outer;
+    CountingDispatch outer;
     void *object = reinterpret_cast<void *>(0x1);
     const HRESULT hr = CoCreateInstance(clsid, aggregate ? &outer : nullptr, context, iid, &object);
     QCOMPARE(hr, expected);
@@ -309,11 +284,9 @@ void tst_Activation::registrationFormat_data()
         QTest::newRow(tag) << file << content << registered;
     };
     row("plain", plain, true);
-    row("comments_blanks_and_spaces", "# server\n\n   ProgID =  VComRt.Format \n\t CLSID\t= %C%\n# path\nLibrary = %LIB%   \n", true);
-    row("keys_in_any_case", "progid=VComRt.Format\nClsId=%C%\nLIBRARY=%LIB%\n", true);
-    row("crlf_line_ends", "ProgID=VComRt.Format\r\nCLSID=%C%\r\nLibrary=%LIB%\r\n", true);
+    row("comments_blanks_crlf_key_case_unknown_key",
+        "# server\r\n\n progid =  VComRt.Format \r\nThreadingModel=Apartment\n\t ClsId\t= %C%\nLIBRARY = %LIB%  \r\n", true);
     row("relative_library_path", "ProgID=VComRt.Format\nCLSID=%C%\nLibrary=%REL%\n", true);
-    row("unknown_key_ignored", "ProgID=VComRt.Format\nThreadingModel=Apartment\nCLSID=%C%\nLibrary=%LIB%\n", true);
     row("other_extension_ignored", plain, false, "a.txt");
     row("hidden_file_ignored", plain, false, ".a.reg");
     row("library_missing", "ProgID=VComRt.Format\nCLSID=%C%\n", false);
