@@ -39,6 +39,7 @@
 
 #include "zyllog.h"
 #include "zylpagestyleimport.h"
+#include "zylreferences.h"
 #include "zyluno.h"
 
 using namespace css;
@@ -685,6 +686,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     const int last = int(l.elements.size()) - 1;
     OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
+    const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
     // What starts the body after a cut from its start.
     const int keptIndex = !cut.fromVirtualMark || cut.end == CutEnd::BodyEnd ? -1
@@ -702,6 +704,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
+        references.keepOrphanedTexts();
         return S_OK;
     }
 
@@ -723,6 +726,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     }
     if (kept.valid)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
+    references.keepOrphanedTexts();
     return S_OK;
 }
 

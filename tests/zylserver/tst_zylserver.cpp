@@ -180,6 +180,7 @@ private slots:
     void appendKeepsTrackedChanges();
     void cutWhileRecordingChanges_data();
     void cutWhileRecordingChanges();
+    void cutKeepsReferenceTexts();
     void appendMadeDocument();
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
@@ -1032,6 +1033,29 @@ void tst_ZylServer::cutWhileRecordingChanges()
     QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
     QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList({"page two", "page three"}));
+}
+
+void tst_ZylServer::cutKeepsReferenceTexts()
+{
+    // Cross-references to a bookmark, a note and a caption on the page that goes printed an error
+    // in their place; one to a bookmark that stays is still a field.
+    const QString path = fromFlat(QStringLiteral("references.zyl"), pagedFlat("21cm", "29.7cm", QString(), QStringLiteral(
+        "<text:p><text:bookmark-start text:name=\"gone\"/>first words<text:bookmark-end text:name=\"gone\"/>"
+        "<text:note text:id=\"n1\" text:note-class=\"footnote\"><text:note-citation>1</text:note-citation>"
+        "<text:note-body><text:p>note</text:p></text:note-body></text:note>"
+        " <text:sequence text:name=\"Figure\" text:formula=\"ooow:Figure+1\" style:num-format=\"1\" text:ref-name=\"refFigure0\">1</text:sequence></text:p>"
+        "<text:p text:style-name=\"B\"><text:bookmark-start text:name=\"kept\"/>second words<text:bookmark-end text:name=\"kept\"/></text:p>"
+        "<text:p>see <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"gone\">first words</text:bookmark-ref>,"
+        " <text:note-ref text:note-class=\"footnote\" text:reference-format=\"text\" text:ref-name=\"n1\">1</text:note-ref>,"
+        " <text:sequence-ref text:reference-format=\"value\" text:ref-name=\"refFigure0\">1</text:sequence-ref> and"
+        " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>")));
+    QVERIFY(!path.isEmpty());
+    Dispatch doc;
+    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
+    QCOMPARE(m_zyl->deletePages(doc.get(), 1, 1), S_OK);
+    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList({"second words see first words, 1, 1 and second words"}));
 }
 
 void tst_ZylServer::appendTakesTheFileAsItIs_data()
