@@ -161,7 +161,8 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             const LONG before = model.endPosition();
             const ZylTextModel::Insertion known{layout.firstPageStyle(), layout.firstPageNumber(),
                                                 layout.startsWithTable(), layout.endsHidden()};
-            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), known) : model.insertFile(m_start, url);
+            HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), known)
+                                        : model.insertFile(m_start, url);
             if (prepared && SUCCEEDED(inserted))
                 layout.restoreChanges(m_document);
             if (prepared && inserted == E_FAIL)

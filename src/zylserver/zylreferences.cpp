@@ -15,7 +15,6 @@
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/text/XTextFieldsSupplier.hpp>
 
-#include "zyllog.h"
 #include "zyluno.h"
 
 using namespace css;
@@ -70,17 +69,19 @@ bool ZylReferences::targetExists(const uno::Reference<text::XTextField> &field) 
     props->getPropertyValue(ou("ReferenceFieldSource")) >>= source;
     props->getPropertyValue(ou("SequenceNumber")) >>= number;
     props->getPropertyValue(ou("SourceName")) >>= name;
+    using Bookmarks = text::XBookmarksSupplier;
+    using Marks = text::XReferenceMarksSupplier;
+    using Footnotes = text::XFootnotesSupplier;
+    using Endnotes = text::XEndnotesSupplier;
     switch (source) {
     case text::ReferenceFieldSource::BOOKMARK:
-        return uno::Reference<text::XBookmarksSupplier>(m_document, uno::UNO_QUERY_THROW)->getBookmarks()->hasByName(name);
+        return uno::Reference<Bookmarks>(m_document, uno::UNO_QUERY_THROW)->getBookmarks()->hasByName(name);
     case text::ReferenceFieldSource::REFERENCE_MARK:
-        return uno::Reference<text::XReferenceMarksSupplier>(m_document, uno::UNO_QUERY_THROW)
-            ->getReferenceMarks()
-            ->hasByName(name);
+        return uno::Reference<Marks>(m_document, uno::UNO_QUERY_THROW)->getReferenceMarks()->hasByName(name);
     case text::ReferenceFieldSource::FOOTNOTE:
-        return hasNote(uno::Reference<text::XFootnotesSupplier>(m_document, uno::UNO_QUERY_THROW)->getFootnotes(), number);
+        return hasNote(uno::Reference<Footnotes>(m_document, uno::UNO_QUERY_THROW)->getFootnotes(), number);
     case text::ReferenceFieldSource::ENDNOTE:
-        return hasNote(uno::Reference<text::XEndnotesSupplier>(m_document, uno::UNO_QUERY_THROW)->getEndnotes(), number);
+        return hasNote(uno::Reference<Endnotes>(m_document, uno::UNO_QUERY_THROW)->getEndnotes(), number);
     case text::ReferenceFieldSource::SEQUENCE_FIELD:
         for (const auto &sequence : fieldsOf(m_document, "com.sun.star.text.TextField.SetExpression")) {
             uno::Reference<beans::XPropertySet> values(sequence, uno::UNO_QUERY);
