@@ -1147,16 +1147,20 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     }
     const int first = elementAt(before, point);
     if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
-        if (known.startsWithTable)
-            dropParagraphBeforeTable(first);
+        // The .doc format keeps no page style on a table that does not change it: in the style of
+        // the page before, a break starts the table's page.
+        const bool breakOnly = known.startsWithTable && dropParagraphBeforeTable(first, firstPageStyle)
+            && known.firstNumber == 0;
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
         // attributes: name the style on whatever now starts at the insertion point.
         const Layout now = layout();
         if (size_t(first) < now.elements.size()) {
             uno::Reference<beans::XPropertySet> props(now.elements[size_t(first)].content, uno::UNO_QUERY);
             touch(first, first + 1);
-            // The style starts the page; a page break as well is written as a second break in .docx.
-            if (props.is()) {
+            if (props.is() && breakOnly) {
+                props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
+            } else if (props.is()) {
+                // The style starts the page; a page break as well is written as a second break in .docx.
                 props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
                 props->setPropertyValue(ou("PageDescName"), uno::Any(firstPageStyle));
                 if (known.firstNumber > 0)
@@ -1173,23 +1177,26 @@ int ZylTextModel::drawnObjects()
     return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
 }
 
-void ZylTextModel::dropParagraphBeforeTable(int index)
+bool ZylTextModel::dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle)
 {
     // The empty paragraph inserted into stays ahead of a table that starts the content and takes a
     // line at the top of the page: the table starts the page itself. Not behind another table,
     // which it would join in the Word formats.
     const Layout now = layout();
     if (index < 1 || size_t(index) + 1 >= now.elements.size())
-        return;
+        return false;
     const Element &empty = now.elements[size_t(index)];
-    if (empty.isTable || empty.length != 0 || !now.elements[size_t(index) + 1].isTable
-        || now.elements[size_t(index) - 1].isTable || holdsCharacterPictures(empty.content))
-        return;
+    const Element &before = now.elements[size_t(index) - 1];
     uno::Reference<lang::XComponent> component(empty.content, uno::UNO_QUERY);
-    if (!component.is())
-        return;
+    uno::Reference<beans::XPropertySet> previous(before.content, uno::UNO_QUERY);
+    if (empty.isTable || empty.length != 0 || !now.elements[size_t(index) + 1].isTable || before.isTable
+        || holdsCharacterPictures(empty.content) || !component.is() || !previous.is())
+        return false;
+    rtl::OUString previousStyle;
+    previous->getPropertyValue(ou("PageStyleName")) >>= previousStyle;
     touch(index, index + 1);
     component->dispose();
+    return previousStyle == pageStyle;
 }
 
 void ZylTextModel::joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument)

@@ -171,7 +171,8 @@ private:
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
     // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
-    void dropParagraphBeforeTable(int index);
+    // Whether the table now starts a page of the same style as the page before.
+    bool dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle);
     void joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point
     // lies in it; true when it did.

@@ -1154,6 +1154,14 @@ void tst_ZylServer::fullPageTable()
     QCOMPARE(m_zyl->saveDocumentAs(doc.get(), merged, suffix), S_OK);
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
     QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList({"target one", "one", "two three", "one"}));
+
+    // Behind a page of its own style, the table is not left to its style to start the page.
+    const QString same = workCopy(whole, QStringLiteral("full-table-same.") + suffix);
+    QCOMPARE(m_zyl->openDocument(same, &doc), S_OK);
+    QCOMPARE(m_zyl->appendDocument(doc.get(), whole), S_OK);
+    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
+    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(ZylTestDocuments::pageTexts(same), QStringList({"one", "two three", "one", "two three"}));
 }
 
 void tst_ZylServer::editsMatchFreshReading_data()
