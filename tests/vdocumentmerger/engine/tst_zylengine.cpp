@@ -2,11 +2,18 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
+#include <memory>
+
 #include "engine/innerinfoprovider.h"
+#include "engine/innerzylprocessor.h"
 #include "engine/vsmzylinfoprovider.h"
 #include "engine/vsmzylmerger.h"
 #include "fakezylserver.h"
 #include "shell/vmworkfolders.h"
+
+using ClientOp = std::function<HRESULT(InnerZylProcessor *, IDispatch *, const QString &)>;
+Q_DECLARE_METATYPE(ClientOp)
 
 // Both signals of the provider in the order the page receives them; paths relative to dir.
 class ProviderLog : public QObject {
@@ -64,7 +71,8 @@ static QStringList words(const QString &text)
     return text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-// The engine's page counts and merges, each on a pool thread, against the automation-server double.
+// The engine against the automation-server double: the client's calls on this thread, then
+// page counts and merges, each on a pool thread.
 class tst_ZylEngine : public QObject {
     Q_OBJECT
 
@@ -72,6 +80,14 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
+    void cleanupTestCase();
+
+    void openDocumentTakesBackslashes();
+    void failedPreconditionSendsNothing_data();
+    void failedPreconditionSendsNothing();
+    void deleteLastCharacterLeavesEmptyDocument();
+    void badAnswerStopsTheCut_data();
+    void badAnswerStopsTheCut();
 
     void emptyListDoesNothing();
     void countsInListOrder_data();
@@ -90,18 +106,27 @@ private slots:
     void cancelDuringLastAppend();
 
 private:
+    bool openClient();
     // Items written "a.docx 1 2, b.doc 1 1": source, first and last page.
     MergeTask task(const QString &itemTexts, const QString &outputName) const;
     QByteArray checksums() const;
     void runAndWait(VSMMerger &merger, const MergeTask &task);
 
     QTemporaryDir m_dir;
+    std::unique_ptr<InnerZylProcessor> m_client;
+    InnerZylProcessor::Dispatch m_document;
 };
 
 void tst_ZylEngine::initTestCase()
 {
     QVERIFY(m_dir.isValid());
     QVERIFY(!qEnvironmentVariableIsEmpty("VCOMRT_REGISTRY"));
+    QVERIFY(SUCCEEDED(CoInitialize(nullptr)));
+}
+
+void tst_ZylEngine::cleanupTestCase()
+{
+    CoUninitialize();
 }
 
 // Sources "A1\fA2\fA3\fA4", "B1\fB2\fB3", "C1\f…\fC5" and "D1\fD2".
@@ -129,12 +154,155 @@ void tst_ZylEngine::cleanup()
 {
     FakeZylServer::release();
     QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    if (m_client) {
+        if (m_document)
+            m_client->closeDocument(m_document.get());
+        m_document.reset();
+        m_client->quitApplication();
+        m_client.reset();
+    }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Every reference taken has been given back.
     QCOMPARE(FakeZylServer::liveObjects(), 0);
     QCOMPARE(FakeZylServer::openDocuments(), 0);
     const QStringList outputs = QDir(m_dir.path()).entryList({QStringLiteral("out*")}, QDir::Files);
     for (const QString &name : outputs)
         QFile::remove(m_dir.filePath(name));
+}
+
+// A client on this thread with b.doc open; the journal starts after the open.
+bool tst_ZylEngine::openClient()
+{
+    m_client.reset(new InnerZylProcessor);
+    const bool open = m_client->createApplication() == S_OK
+        && m_client->openDocument(m_dir.filePath(QStringLiteral("b.doc")), &m_document) == S_OK && m_document;
+    FakeZylServer::reset();
+    return open;
+}
+
+void tst_ZylEngine::openDocumentTakesBackslashes()
+{
+    QVERIFY(openClient());
+    const QString path = m_dir.filePath(QStringLiteral("a.docx"));
+    InnerZylProcessor::Dispatch document;
+    QCOMPARE(m_client->openDocument(QString(path).replace(QLatin1Char('/'), QLatin1Char('\\')), &document), S_OK);
+    QVERIFY(document);
+    QCOMPARE(FakeZylServer::journal(),
+             QStringList({"get Application.Documents()", QStringLiteral("call Documents.Open(bstr:%1)").arg(path)}));
+    QCOMPARE(m_client->closeDocument(document.get()), S_OK);
+}
+
+void tst_ZylEngine::failedPreconditionSendsNothing_data()
+{
+    using Op = ClientOp;
+    QTest::addColumn<Op>("operation");
+    QTest::addColumn<QStringList>("sent");
+
+    const QStringList nothing;
+    const QStringList countOnly{QStringLiteral("call Document.ComputeStatistics(i4:2)")};
+
+    QTest::newRow("open_missing_file") << Op([](InnerZylProcessor *c, IDispatch *, const QString &dir) {
+        InnerZylProcessor::Dispatch d;
+        return c->openDocument(dir + QStringLiteral("/missing.docx"), &d);
+    }) << nothing;
+    QTest::newRow("save_as_onto_existing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->saveDocumentAs(d, dir + QStringLiteral("/a.docx"));
+    }) << nothing;
+    QTest::newRow("insert_missing_file") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &dir) {
+        return c->insertFileAtEnd(d, dir + QStringLiteral("/missing.docx"));
+    }) << nothing;
+    QTest::newRow("range_negative_start") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        InnerZylProcessor::Dispatch r;
+        return c->rangeOf(d, -1, 3, &r);
+    }) << nothing;
+    QTest::newRow("page_start_of_page_0") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageStart(d, 0, &p);
+    }) << nothing;
+    QTest::newRow("page_start_past_the_count") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        int p = 0;
+        return c->pageStart(d, 4, &p);
+    }) << countOnly;
+    QTest::newRow("delete_pages_3_to_2") << Op([](InnerZylProcessor *c, IDispatch *d, const QString &) {
+        return c->deletePages(d, 3, 2);
+    }) << nothing;
+    QTest::newRow("statistics_of_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        int p = 0;
+        return c->computeStatistics(nullptr, &p);
+    }) << nothing;
+    QTest::newRow("close_no_document") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->closeDocument(nullptr);
+    }) << nothing;
+    QTest::newRow("documents_without_application") << Op([](InnerZylProcessor *, IDispatch *, const QString &) {
+        InnerZylProcessor fresh;
+        InnerZylProcessor::Dispatch d;
+        return fresh.documents(&d);
+    }) << nothing;
+    QTest::newRow("create_application_twice") << Op([](InnerZylProcessor *c, IDispatch *, const QString &) {
+        return c->createApplication();
+    }) << nothing;
+}
+
+void tst_ZylEngine::failedPreconditionSendsNothing()
+{
+    using Op = ClientOp;
+    QFETCH(Op, operation);
+    QFETCH(QStringList, sent);
+    QVERIFY(openClient());
+
+    QCOMPARE(operation(m_client.get(), m_document.get(), m_dir.path()), E_FAIL);
+    QCOMPARE(FakeZylServer::journal(), sent);
+    QCOMPARE(FakeZylServer::applicationsCreated(), 0);
+    QVERIFY(m_client->hasApplication());
+    QCOMPARE(FakeZylServer::readDocument(m_dir.filePath("b.doc")), (QStringList{"B1", "B2", "B3"}));
+}
+
+// Every merge deletes a last character; only an empty document has none.
+void tst_ZylEngine::deleteLastCharacterLeavesEmptyDocument()
+{
+    QVERIFY(openClient());
+    const QString empty = m_dir.filePath(QStringLiteral("empty.docx"));
+    QVERIFY(FakeZylServer::writeDocument(empty, {QString()}));
+    InnerZylProcessor::Dispatch document;
+    QCOMPARE(m_client->openDocument(empty, &document), S_OK);
+    QCOMPARE(m_client->deleteLastCharacter(document.get()), S_OK);
+    QVERIFY(FakeZylServer::journal(QStringLiteral("Range.Delete")).isEmpty());
+    QCOMPARE(m_client->closeDocument(document.get()), S_OK);
+}
+
+void tst_ZylEngine::badAnswerStopsTheCut_data()
+{
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<int>("code"); // 0: answers text where a number is due
+    QTest::addColumn<QString>("notSent");
+    QTest::newRow("go_to_fails") << "GoTo" << int(DISP_E_EXCEPTION) << "Range.Delete";
+    QTest::newRow("statistics_fail") << "ComputeStatistics" << int(RPC_E_DISCONNECTED) << "Document.GoTo";
+    QTest::newRow("range_fails") << "Range" << int(E_OUTOFMEMORY) << "Range.Delete";
+    QTest::newRow("range_start_as_text") << "Start" << 0 << "Range.Delete";
+    QTest::newRow("range_end_as_text") << "End" << 0 << "Range.Delete";
+    QTest::newRow("protection_as_text") << "ProtectionType" << 0 << "";
+}
+
+// An error passes through unchanged; a number is taken from an answer only when it is one.
+void tst_ZylEngine::badAnswerStopsTheCut()
+{
+    QFETCH(QString, member);
+    QFETCH(int, code);
+    QFETCH(QString, notSent);
+    QVERIFY(openClient());
+    if (code)
+        FakeZylServer::failCall(member, 0, HRESULT(code));
+    else
+        FakeZylServer::answerWithText(member);
+    const HRESULT expected = code ? HRESULT(code) : DISP_E_TYPEMISMATCH;
+    if (notSent.isEmpty()) {
+        int type = 7;
+        QCOMPARE(m_client->protectionType(m_document.get(), &type), expected);
+        QCOMPARE(type, 7);
+        return;
+    }
+    QCOMPARE(m_client->deletePages(m_document.get(), 1, 2), expected);
+    QVERIFY(FakeZylServer::journal(notSent).isEmpty());
 }
 
 void tst_ZylEngine::emptyListDoesNothing()
