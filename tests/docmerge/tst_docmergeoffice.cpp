@@ -6,6 +6,7 @@
 #include <csignal>
 #include <unistd.h>
 
+#include "docmergerun.h"
 #include "officeprocesses.h"
 #include "zyltestdocuments.h"
 
@@ -22,12 +23,10 @@ private slots:
     void busyOfficeIsLeftAlone();
 
 private:
-    struct Run {
-        int exitCode = -1;
-        QString out;
-        QString err;
-    };
-    Run run(const QStringList &arguments, int timeoutMs);
+    DocMergeRun run(const QStringList &arguments)
+    {
+        return runDocMerge(arguments, m_dir.path(), QProcessEnvironment::systemEnvironment(), 600000);
+    }
     QString source(const QString &stem, const QString &suffix, int pages);
     static QByteArray checksum(const QString &path);
 
@@ -43,23 +42,6 @@ void tst_DocMergeOffice::initTestCase()
     QVERIFY(QFileInfo(QStringLiteral(DOCMERGE_PROGRAM)).isExecutable());
     m_corpus = qEnvironmentVariable("VDM_SHARED_DIR") + QStringLiteral("/corpus");
     QVERIFY2(QFileInfo::exists(m_corpus + QStringLiteral("/manifest.tsv")), qPrintable(m_corpus));
-}
-
-tst_DocMergeOffice::Run tst_DocMergeOffice::run(const QStringList &arguments, int timeoutMs)
-{
-    QProcess process;
-    process.setWorkingDirectory(m_dir.path());
-    process.start(QStringLiteral(DOCMERGE_PROGRAM), arguments);
-    Run result;
-    if (!process.waitForFinished(timeoutMs)) {
-        process.kill();
-        process.waitForFinished();
-        return result;
-    }
-    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    result.out = QString::fromLocal8Bit(process.readAllStandardOutput());
-    result.err = QString::fromLocal8Bit(process.readAllStandardError());
-    return result;
 }
 
 QByteArray tst_DocMergeOffice::checksum(const QString &path)
@@ -113,9 +95,8 @@ void tst_DocMergeOffice::merge()
     const QByteArray sums = checksum(alpha) + checksum(bravo) + checksum(charlie);
 
     const QString target = m_dir.filePath(QStringLiteral("merged-%1.%2").arg(suffixes.join(QLatin1Char('-')), output));
-    const Run result = run({QStringLiteral("merge"), QStringLiteral("-o"), target,
-                            alpha + QStringLiteral(":2-3"), bravo, charlie + QStringLiteral(":4-9")},
-                           600000);
+    const DocMergeRun result = run({QStringLiteral("merge"), QStringLiteral("-o"), target,
+                                    alpha + QStringLiteral(":2-3"), bravo, charlie + QStringLiteral(":4-9")});
     QVERIFY2(result.exitCode == 0, qPrintable(result.err));
     QCOMPARE(result.out.trimmed(), target);
 
@@ -159,7 +140,7 @@ void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
     QCOMPARE(process.exitCode(), 1);
     QVERIFY(!QFileInfo::exists(target));
 
-    const Run next = run({QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo}, 600000);
+    const DocMergeRun next = run({QStringLiteral("merge"), QStringLiteral("-o"), target, alpha, bravo});
     QVERIFY2(next.exitCode == 0, qPrintable(next.err));
 }
 
@@ -168,7 +149,7 @@ void tst_DocMergeOffice::frozenOfficeFailsTheMerge()
 void tst_DocMergeOffice::busyOfficeIsLeftAlone()
 {
     qputenv("VZYL_HANG_TIMEOUT", "1");
-    const Run result = run({QStringLiteral("count"), m_corpus + QStringLiteral("/bug65649.docx")}, 600000);
+    const DocMergeRun result = run({QStringLiteral("count"), m_corpus + QStringLiteral("/bug65649.docx")});
     qunsetenv("VZYL_HANG_TIMEOUT");
     QVERIFY2(result.exitCode == 0, qPrintable(result.err));
     QCOMPARE(result.out.section(QLatin1Char('\t'), 0, 0), QStringLiteral("180"));
