@@ -12,13 +12,10 @@ its whole process group is killed.
 
   nice -n 10 python3 bench/corpusrun.py FOLDER [--docmerge build/bin/docmerge] [--jobs 2]
                                         [--work DIR] [--limit N] [--minutes M] [--report FILE.tsv]
-                                        [--format source|docx|doc|zyl] [--known docx|source]
+                                        [--format source|docx|doc|zyl]
 
 The merged document is written in the source's own format (.odt sources as .zyl) unless
 --format names one: a format the source is not in adds the office's conversion to the merge.
-The known document is a .docx; with --known source it is made in the source's own format, so
-that both share the layout settings the office gives that format (a document has one set of
-them, the first source's: a .doc or .odt behind a .docx lays out by the .docx's settings).
 
 Prints a table (documents, counted, merged exactly, merged with differences, failed, hung,
 refused, and protected: the documents docmerge's log names as protected, which the merger
@@ -166,7 +163,7 @@ def range_text(r):
 class Runner:
     def __init__(self, args, known, known_pages):
         self.args = args
-        self.known = known  # suffix: the known document merged before a source of that suffix
+        self.known = known
         self.known_pages = known_pages
         self.protected = {}  # path: protection type
 
@@ -344,9 +341,8 @@ class Runner:
         if os.path.exists(out):
             os.remove(out)
         argv = ["merge", "--json", "-o", out]
-        known = self.known[os.path.splitext(path)[1].lower()]
         for r in ranges:
-            argv += [known, "%s:%d-%d" % (path, r[0], r[1])]
+            argv += [self.known, "%s:%d-%d" % (path, r[0], r[1])]
         code, stdout, err = self.docmerge(argv, self.args.timeout * (1 + len(ranges)))
         if code == 0 and os.path.exists(out):
             return out, ""
@@ -406,26 +402,17 @@ class Runner:
                 res["failures"].append((range_text(r), "; ".join(bad[r])))
 
 
-def make_known(work, timeout, same_format):
-    """The known documents by source suffix: one .docx for all, or one of each source format."""
+def make_known(work, timeout):
     fodt = os.path.join(work, "known.fodt")
     with open(fodt, "w", encoding="utf-8") as f:
         f.write(KNOWN_FODT)
     office = Office(os.path.join(work, "profile-known"), timeout)
-    formats = {".docx": "docx:MS Word 2007 XML", ".doc": "doc:MS Word 97", ".odt": "odt:writer8"}
-    if not same_format:
-        formats = {".docx": formats[".docx"]}
-    known = {}
-    for suffix, filter_name in formats.items():
-        office.to_pdf([fodt], work, filter_name)
-        known[suffix] = os.path.join(work, "known" + suffix)
-    office.to_pdf([known[".docx"]], work)
+    office.to_pdf([fodt], work, "docx:MS Word 2007 XML")
+    known = os.path.join(work, "known.docx")
+    office.to_pdf([known], work)
     pages = pdf_pages(os.path.join(work, "known.pdf"), timeout)
-    if not all(os.path.exists(k) for k in known.values()) or not pages:
+    if not os.path.exists(known) or not pages:
         sys.exit("corpusrun: the office cannot make the known document")
-    known[".zyl"] = known.get(".odt", known[".docx"])
-    for suffix in SUFFIXES:
-        known.setdefault(suffix, known[".docx"])
     return known, len(pages)
 
 
@@ -440,9 +427,6 @@ def main():
     parser.add_argument("--limit", type=int, default=0)
     parser.add_argument("--format", default="source", choices=("source", "docx", "doc", "zyl"),
                         help="format of the merged documents (default: the source's own)")
-    parser.add_argument("--known", default="docx", choices=("docx", "source"),
-                        help="format of the known document: .docx before every source (default), or the "
-                             "source's own, so that both share the layout settings of their format")
     parser.add_argument("--minutes", type=float, default=0, help="start no new batch after this time")
     parser.add_argument("--report", default=None, help="write one line per document here (TSV)")
     args = parser.parse_args()
@@ -456,7 +440,7 @@ def main():
     random.Random(11).shuffle(docs)
     if args.limit:
         docs = docs[:args.limit]
-    known, known_pages = make_known(args.work, args.timeout, args.known == "source")
+    known, known_pages = make_known(args.work, args.timeout)
     runner = Runner(args, known, known_pages)
 
     results = []
