@@ -249,16 +249,15 @@ void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &e
     }
 }
 
-// Paragraph values that a paragraph may set directly over its style, its font among them.
+// Paragraph values that a paragraph may set directly over its style.
 std::vector<rtl::OUString> directParagraphNames(const uno::Reference<beans::XPropertySet> &paragraph)
 {
     static const std::set<rtl::OUString> managed = {ou("ParaStyleName"), ou("ParaConditionalStyleName"),
                                                     ou("ParaAutoStyleName"), ou("ParaIsNumberingRestart"),
-                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel"),
-                                                    ou("CharAutoStyleName")};
+                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel")};
     std::vector<rtl::OUString> names;
     for (const rtl::OUString &name : writableNames(paragraph, managed)) {
-        if (name.startsWith("Para") || name.startsWith("Char"))
+        if (name.startsWith("Para"))
             names.push_back(name);
     }
     return names;
