@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <set>
 #include <signal.h>
@@ -43,14 +44,6 @@ qint64 soleOffice()
     return offices.size() == 1 ? offices.first() : 0;
 }
 
-QVector<Page> textPages(const QStringList &texts, Page::Kind kind = Page::Text)
-{
-    QVector<Page> pages;
-    for (const QString &t : texts)
-        pages.append(Page{t, kind, 0});
-    return pages;
-}
-
 // Pages two and four must be right-hand pages, so the office lays out a blank page before page two.
 QVector<Page> rightPages()
 {
@@ -65,7 +58,7 @@ QVector<Page> afterTable()
             {"four", Page::Text, 0}};
 }
 
-// Page starts of every page, checked to agree with page ends and the end of the document.
+// Page starts of every page, each where the page before ends, the last page ending with the document.
 QVector<int> checkedPageStarts(Zyl &zyl, IDispatch *doc, int expectedPages)
 {
     QVector<int> starts;
@@ -78,15 +71,16 @@ QVector<int> checkedPageStarts(Zyl &zyl, IDispatch *doc, int expectedPages)
     Dispatch range;
     if (FAILED(zyl.wholeRange(doc, &range)) || FAILED(zyl.rangeEnd(range.get(), &whole)))
         return {};
-    for (int n = 1; n <= count; ++n) {
+    for (int n = 1, previousEnd = 0; n <= count; ++n) {
         int start = 0, end = 0;
         if (FAILED(zyl.pageStart(doc, n, &start)) || FAILED(zyl.pageEnd(doc, n, &end)))
             return {};
-        if ((!starts.isEmpty() && start <= starts.last()) || end <= start || (n == count && end != whole)) {
+        if ((n > 1 && start != previousEnd) || end <= start || (n == count && end != whole)) {
             qWarning("page %d runs from %d to %d (document end %d)", n, start, end, whole);
             return {};
         }
         starts.append(start);
+        previousEnd = end;
     }
     return starts;
 }
@@ -128,17 +122,18 @@ HRESULT saveAs(IDispatch *doc, const QString &path, ScopedVariant format)
                   arguments(text(path), std::move(format), ScopedVariant(), text(QString()), ScopedVariant(LONG(0))));
 }
 
-QString zipEntryHint(const QString &path)
+bool writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromLatin1(f.read(4096).toHex());
+    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
 }
 
-} // namespace
-
-namespace {
+// What the file holds; empty when it cannot be read.
+QByteArray contents(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
 
 mode_t fileMode(const QString &path)
 {
@@ -184,27 +179,23 @@ private slots:
     void appendMadeDocument();
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
-    void appendPictureOfLegacyDocument();
     void fullPageTable_data();
     void fullPageTable();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void saveAsFormats_data();
     void saveAsFormats();
-    void saveAsRefusesExistingTarget();
     void saveReplacesAtomically_data();
     void saveReplacesAtomically();
     void textVariantsAreTextDocuments_data();
     void textVariantsAreTextDocuments();
     void badFilesFailQuickly_data();
     void badFilesFailQuickly();
-    void openingLeavesNoLockFile();
     void quitClosesOnlyOwnDocuments();
     void twoApplicationsOnTwoThreads();
+    // Leaves the server quitting: must stay the last test.
     void hungOfficeIsKilled_data();
     void hungOfficeIsKilled();
-    // Leaves the server quitting: must stay the last test.
-    void quittingCutsWaitingCallsShort();
 
 private:
     QString pageDoc(const QString &name, const QVector<Page> &pages);
@@ -212,10 +203,31 @@ private:
     QString workCopy(const QString &source, const QString &name);
     // The document under name that the office makes of a flat one; empty on failure.
     QString fromFlat(const QString &name, const QByteArray &flat);
+    // Opens path, lets edit change it, saves it (as savedAs when given) and closes it; the pages
+    // the server counts after the edit, -1 on failure.
+    int edited(const QString &path, const std::function<HRESULT(IDispatch *)> &edit, const QString &savedAs = QString());
+    // The pages the server counts in the document at path; -1 on failure.
+    int pageCount(const QString &path);
+    std::function<HRESULT(IDispatch *)> cutting(int first, int last)
+    {
+        return [=](IDispatch *doc) { return m_zyl->deletePages(doc, first, last); };
+    }
+    std::function<HRESULT(IDispatch *)> appending(const QStringList &sources)
+    {
+        return [=](IDispatch *doc) {
+            HRESULT hr = S_OK;
+            for (int i = 0; i < sources.size() && SUCCEEDED(hr); ++i)
+                hr = m_zyl->appendDocument(doc, sources[i]);
+            return hr;
+        };
+    }
     static std::unique_ptr<Zyl> newApplication();
 
     QTemporaryDir m_dir;
     std::unique_ptr<Zyl> m_zyl;
+    // Documents of one page and of three pages of plain text, shared by many tests.
+    QString m_one;
+    QString m_three;
     QSet<QString> m_made;
 };
 
@@ -225,6 +237,8 @@ void tst_ZylServer::initTestCase()
     QCOMPARE(CoInitialize(nullptr), S_OK);
     m_zyl = newApplication();
     QVERIFY(m_zyl);
+    m_one = pageDoc(QStringLiteral("one.docx"), ZylTestDocuments::pages({"target one"}));
+    m_three = pageDoc(QStringLiteral("three.docx"), ZylTestDocuments::pages({"alpha one", "bravo two", "charlie three"}));
 }
 
 void tst_ZylServer::cleanupTestCase()
@@ -269,6 +283,32 @@ QString tst_ZylServer::workCopy(const QString &source, const QString &name)
     return QString();
 }
 
+int tst_ZylServer::edited(const QString &path, const std::function<HRESULT(IDispatch *)> &edit, const QString &savedAs)
+{
+    Dispatch doc;
+    int pages = -1;
+    HRESULT hr = m_zyl->openDocument(path, &doc);
+    if (SUCCEEDED(hr))
+        hr = edit(doc.get());
+    if (SUCCEEDED(hr))
+        hr = m_zyl->computeStatistics(doc.get(), &pages);
+    if (SUCCEEDED(hr))
+        hr = savedAs.isEmpty() ? m_zyl->saveDocument(doc.get()) : m_zyl->saveDocumentAs(doc.get(), savedAs, QFileInfo(savedAs).suffix());
+    if (doc && FAILED(m_zyl->closeDocument(doc.get())) && SUCCEEDED(hr))
+        hr = E_FAIL;
+    if (FAILED(hr))
+        qWarning("editing %s failed: 0x%08x", qPrintable(path), unsigned(hr));
+    return SUCCEEDED(hr) ? pages : -1;
+}
+
+int tst_ZylServer::pageCount(const QString &path)
+{
+    Dispatch doc;
+    int pages = -1;
+    const bool counted = SUCCEEDED(m_zyl->openDocument(path, &doc)) && SUCCEEDED(m_zyl->computeStatistics(doc.get(), &pages));
+    return doc && SUCCEEDED(m_zyl->closeDocument(doc.get())) && counted ? pages : -1;
+}
+
 QString tst_ZylServer::fromFlat(const QString &name, const QByteArray &flat)
 {
     const QString path = m_dir.filePath(name);
@@ -309,9 +349,8 @@ void tst_ZylServer::dispatchRules()
     QFETCH(QVector<int>, argTypes);
     QFETCH(HRESULT, expected);
 
-    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
+    QCOMPARE(m_zyl->openDocument(m_three, &doc), S_OK);
     std::vector<ScopedVariant> args;
     for (int t : argTypes) {
         if (t == VT_BSTR)
@@ -330,27 +369,22 @@ void tst_ZylServer::pageCountMatchesPdf_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QVector<Page>>("pages");
-    QTest::addColumn<bool>("againstPdf");
 
-    const QVector<Page> plain = textPages({"page one", "page two", "page three", "page four"});
+    const QVector<Page> plain = ZylTestDocuments::pages({"page one", "page two", "page three", "page four"});
     const QVector<Page> landscape = {{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0}, {"portrait three", Page::Text, 0}};
-    QTest::newRow("plain_docx") << "plain.docx" << plain << true;
-    QTest::newRow("plain_doc") << "plain.doc" << plain << true;
-    QTest::newRow("plain_zyl") << "plain.zyl" << plain << true;
+    QTest::newRow("plain_docx") << "plain.docx" << plain;
+    QTest::newRow("plain_doc") << "plain.doc" << plain;
+    QTest::newRow("plain_zyl") << "plain.zyl" << plain;
     QTest::newRow("table_spanning_pages_docx") << "longtable.docx"
-        << QVector<Page>{{"before table", Page::LongTable, 90}, {"after table", Page::Text, 0}} << true;
+        << QVector<Page>{{"before table", Page::LongTable, 90}, {"after table", Page::Text, 0}};
     QTest::newRow("images_docx") << "images.docx"
-        << QVector<Page>{{"first picture", Page::Image, 0}, {"plain", Page::Text, 0}, {"second picture", Page::Image, 0}} << true;
-    QTest::newRow("landscape_section_docx") << "landscape.docx" << landscape << true;
-    QTest::newRow("landscape_section_zyl") << "landscape.zyl" << landscape << true;
-    QTest::newRow("blank_page_left_out_zyl") << "blank.zyl" << rightPages() << true;
-    QTest::newRow("table_start_zyl") << "tablestart.zyl"
-        << QVector<Page>{{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"three", Page::Text, 0}} << false;
-    QTest::newRow("page_after_table_zyl") << "del-aftertable.zyl" << afterTable() << false;
-    QTest::newRow("repeated_table_heading_docx") << "headed.docx"
-        << QVector<Page>{{"before headed", Page::HeadedTable, 70}, {"after headed", Page::Text, 0}} << false;
+        << QVector<Page>{{"first picture", Page::Image, 0}, {"plain", Page::Text, 0}, {"second picture", Page::Image, 0}};
+    QTest::newRow("landscape_section_docx") << "landscape.docx" << landscape;
+    QTest::newRow("landscape_section_zyl") << "landscape.zyl" << landscape;
+    QTest::newRow("blank_page_left_out_zyl") << "blank.zyl" << rightPages();
+    QTest::newRow("page_after_table_zyl") << "del-aftertable.zyl" << afterTable();
     QTest::newRow("table_over_three_pages_zyl") << "headed3.zyl"
-        << QVector<Page>{{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}} << false;
+        << QVector<Page>{{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}};
 }
 
 void tst_ZylServer::pageCountMatchesPdf()
@@ -358,25 +392,13 @@ void tst_ZylServer::pageCountMatchesPdf()
     // Counts agree with the office's own export, and each page ends where the next one starts.
     QFETCH(QString, name);
     QFETCH(QVector<Page>, pages);
-    QFETCH(bool, againstPdf);
     const QString path = pageDoc(name, pages);
     Dispatch doc;
     QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
     int count = 0;
     QCOMPARE(m_zyl->computeStatistics(doc.get(), &count), S_OK);
-    QVERIFY(count >= 2);
-    if (againstPdf)
-        QCOMPARE(count, ZylTestDocuments::pdfPageCount(path));
-    int protection = 0;
-    QCOMPARE(m_zyl->protectionType(doc.get(), &protection), S_OK);
-    QCOMPARE(protection, -1);
-    const QVector<int> starts = checkedPageStarts(*m_zyl, doc.get(), count);
-    QCOMPARE(starts.size(), count);
-    for (int n = 1; n < count; ++n) {
-        int end = 0;
-        QCOMPARE(m_zyl->pageEnd(doc.get(), n, &end), S_OK);
-        QCOMPARE(end, starts[n]);
-    }
+    QCOMPARE(count, ZylTestDocuments::pdfPageCount(path));
+    QCOMPARE(checkedPageStarts(*m_zyl, doc.get(), count).size(), count);
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
 }
 
@@ -390,13 +412,8 @@ void tst_ZylServer::countUpdatesFields()
         "<text:p><text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"b\">%1</text:bookmark-ref></text:p>"
         "</office:text></office:body>").arg(stale)));
     QVERIFY(!path.isEmpty());
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    int count = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &count), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-    QCOMPARE(count, ZylTestDocuments::pdfPageCount(path));
-    QCOMPARE(count, 1);
+    QCOMPARE(pageCount(path), 1);
+    QCOMPARE(ZylTestDocuments::pdfPageCount(path), 1);
 }
 
 void tst_ZylServer::corpus_data()
@@ -419,7 +436,9 @@ void tst_ZylServer::corpus()
 {
     QFETCH(QString, path);
     QFETCH(QString, expected);
-    const QByteArray before = [&] { QFile f(path); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+    const QByteArray before = contents(path);
+    const QDir folder = QFileInfo(path).dir();
+    const QStringList files = folder.entryList(QDir::Files | QDir::Hidden | QDir::System);
 
     Dispatch probe;
     if (FAILED(m_zyl->documents(&probe))) {
@@ -432,6 +451,8 @@ void tst_ZylServer::corpus()
     Dispatch doc;
     const HRESULT opened = m_zyl->openDocument(path, &doc);
     QVERIFY2(timer.elapsed() < 60000, "opening took more than a minute");
+    // Nothing appears beside an open document, no lock file either.
+    QCOMPARE(folder.entryList(QDir::Files | QDir::Hidden | QDir::System), files);
     if (expected == QLatin1String("fail")) {
         if (SUCCEEDED(opened)) {
             int protection = -1;
@@ -462,10 +483,7 @@ void tst_ZylServer::corpus()
         }
         QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
     }
-    QFile after(path);
-    QVERIFY(after.open(QIODevice::ReadOnly));
-    QVERIFY2(after.readAll() == before, "the source document changed");
-    QVERIFY(!QFileInfo::exists(QFileInfo(path).absolutePath() + QStringLiteral("/.~lock.") + QFileInfo(path).fileName() + QLatin1Char('#')));
+    QVERIFY2(contents(path) == before, "the source document changed");
 }
 
 void tst_ZylServer::corpusPageDeleted_data()
@@ -489,43 +507,31 @@ void tst_ZylServer::corpusPageDeleted()
     QFETCH(int, page);
     const QString shared = qEnvironmentVariable("VDM_SHARED_DIR", QStringLiteral("/work/shared"));
     const QString work = workCopy(shared + QStringLiteral("/corpus/") + file, QStringLiteral("corpus-%1-%2").arg(page).arg(file));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(work, &doc), S_OK);
-    int before = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &before), S_OK);
+    const int before = pageCount(work);
     QVERIFY(before >= page);
-    QCOMPARE(m_zyl->deletePages(doc.get(), page, page), S_OK);
-    int after = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &after), S_OK);
-    QCOMPARE(after, before - 1);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(work, cutting(page, page)), before - 1);
 }
 
 void tst_ZylServer::deletePagesKeepsOthers_data()
 {
+    // One row for each way a cut meets the body: from its start, to its end or in between, at
+    // paragraph marks or at table boundaries, with the page style to keep on either side.
     QTest::addColumn<QString>("name");
     QTest::addColumn<QVector<Page>>("pages");
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("last");
 
-    const QVector<Page> plain = textPages({"page one", "page two", "page three", "page four", "page five"});
+    const QVector<Page> plain = ZylTestDocuments::pages({"page one", "page two", "page three", "page four", "page five"});
     QTest::newRow("plain_middle") << "del-plain.docx" << plain << 2 << 3;
     QTest::newRow("plain_first_page") << "del-plain.docx" << plain << 1 << 1;
-    QTest::newRow("plain_first_two") << "del-plain.docx" << plain << 1 << 2;
     QTest::newRow("plain_to_end") << "del-plain.docx" << plain << 4 << 5;
-    QTest::newRow("plain_last_only") << "del-plain.docx" << plain << 5 << 5;
-    QTest::newRow("plain_doc_middle") << "del-plain.doc" << plain << 3 << 3;
-    QTest::newRow("plain_zyl_middle") << "del-plain.zyl" << plain << 2 << 4;
     const QVector<Page> landscape = {{"portrait one", Page::Text, 0}, {"landscape two", Page::Landscape, 0},
                                      {"portrait three", Page::Text, 0}, {"landscape four", Page::Landscape, 0},
                                      {"portrait five", Page::Text, 0}};
     QTest::newRow("landscape_removed") << "del-landscape.docx" << landscape << 2 << 2;
-    QTest::newRow("portrait_before_landscape_removed") << "del-landscape.docx" << landscape << 3 << 3;
     QTest::newRow("landscape_first_page_removed") << "del-landscape.zyl" << landscape << 1 << 1;
-    QTest::newRow("landscape_to_end") << "del-landscape.zyl" << landscape << 4 << 5;
     const QVector<Page> images = {{"picture one", Page::Image, 0}, {"picture two", Page::Image, 0},
                                   {"plain three", Page::Text, 0}, {"picture four", Page::Image, 0}};
-    QTest::newRow("images_middle") << "del-images.docx" << images << 2 << 3;
     QTest::newRow("images_to_end") << "del-images.docx" << images << 3 << 4;
     const QVector<Page> tables = {{"one", Page::Text, 0}, {"table two", Page::TableStart, 0},
                                   {"three", Page::Text, 0}, {"table four", Page::TableStart, 0}};
@@ -534,12 +540,8 @@ void tst_ZylServer::deletePagesKeepsOthers_data()
     QTest::newRow("first_page_before_table_removed") << "del-tables.zyl" << tables << 1 << 1;
     QTest::newRow("table_page_at_end_removed") << "del-tables.docx" << tables << 4 << 4;
     QTest::newRow("page_right_after_table_removed") << "del-aftertable.zyl" << afterTable() << 3 << 3;
-    QTest::newRow("table_page_before_page_after_table_removed") << "del-aftertable.zyl" << afterTable() << 2 << 2;
-    QTest::newRow("table_and_page_after_it_removed") << "del-aftertable.docx" << afterTable() << 2 << 3;
     QTest::newRow("page_after_table_to_end") << "del-aftertable.docx" << afterTable() << 3 << 4;
-    QTest::newRow("first_two_pages_up_to_page_after_table") << "del-aftertable.zyl" << afterTable() << 1 << 2;
     QTest::newRow("right_page_after_blank_removed") << "del-blank.zyl" << rightPages() << 2 << 2;
-    QTest::newRow("page_between_right_pages_removed") << "del-blank.zyl" << rightPages() << 3 << 3;
     QTest::newRow("blank_pages_to_end_removed") << "del-blank.zyl" << rightPages() << 2 << 4;
 }
 
@@ -550,40 +552,22 @@ void tst_ZylServer::deletePagesKeepsOthers()
     QFETCH(int, first);
     QFETCH(int, last);
 
+    // The pages that stay print as they did, pictures and orientation included.
     const QString source = pageDoc(name, pages);
-    QStringList expected;
-    for (int i = 0; i < pages.size(); ++i) {
-        if (i + 1 < first || i + 1 > last)
-            expected.append(pages[i].text);
-    }
-    const QString work = workCopy(source, QStringLiteral("work-%1-%2-%3").arg(first).arg(last).arg(name));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(work, &doc), S_OK);
-    int before = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &before), S_OK);
-    QCOMPARE(before, pages.size());
-    QCOMPARE(m_zyl->deletePages(doc.get(), first, last), S_OK);
-    int after = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &after), S_OK);
-    QCOMPARE(after, expected.size());
-
-    const QString saved = m_dir.filePath(QStringLiteral("cut-%1-%2-%3.zyl").arg(first).arg(last).arg(QFileInfo(name).completeBaseName() + QFileInfo(name).suffix()));
-    QCOMPARE(m_zyl->saveDocumentAs(doc.get(), saved, QString()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
     QStringList texts;
     QVector<QSize> sizes;
-    QVERIFY(ZylTestDocuments::readPages(saved, &texts, &sizes));
-    QCOMPARE(texts.size(), expected.size());
-    QCOMPARE(sizes.size(), expected.size());
-    int kept = 0;
-    for (int i = 0; i < pages.size(); ++i) {
-        if (i + 1 >= first && i + 1 <= last)
-            continue;
-        QVERIFY2(texts[kept].contains(pages[i].text), qPrintable(QStringLiteral("page %1 is '%2', wanted '%3'").arg(kept + 1).arg(texts[kept], pages[i].text)));
-        // Orientation survives: a landscape page is still wider than high in the export.
-        QCOMPARE(sizes[kept].width() > sizes[kept].height(), pages[i].kind == Page::Landscape);
-        ++kept;
-    }
+    QVERIFY(ZylTestDocuments::readPages(source, &texts, &sizes));
+    QCOMPARE(texts.size(), pages.size());
+    texts.erase(texts.begin() + first - 1, texts.begin() + last);
+    sizes.remove(first - 1, last - first + 1);
+    const QString work = workCopy(source, QStringLiteral("work-%1-%2-%3").arg(first).arg(last).arg(name));
+    const QString saved = m_dir.filePath(QStringLiteral("cut-%1-%2-%3.zyl").arg(first).arg(last).arg(QFileInfo(name).completeBaseName() + QFileInfo(name).suffix()));
+    QCOMPARE(edited(work, cutting(first, last), saved), texts.size());
+    QStringList keptTexts;
+    QVector<QSize> keptSizes;
+    QVERIFY(ZylTestDocuments::readPages(saved, &keptTexts, &keptSizes));
+    QCOMPARE(keptTexts, texts);
+    QCOMPARE(keptSizes, sizes);
 }
 
 void tst_ZylServer::deleteThroughSplitTable_data()
@@ -604,7 +588,6 @@ void tst_ZylServer::deleteThroughSplitTable_data()
     const QVector<Page> headed = {{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}};
     QTest::newRow("middle_page_of_headed_table_removed") << "headed3.docx" << headed << 2 << 2;
     QTest::newRow("first_page_of_headed_table_removed_heading_stays") << "headed3.zyl" << headed << 1 << 1;
-    QTest::newRow("last_pages_of_headed_table_removed") << "headed3.zyl" << headed << 2 << 3;
 }
 
 void tst_ZylServer::deleteThroughSplitTable()
@@ -615,52 +598,15 @@ void tst_ZylServer::deleteThroughSplitTable()
     QFETCH(int, last);
 
     const QString source = pageDoc(name, pages);
-    const QStringList before = ZylTestDocuments::pageTexts(source);
-    QVERIFY(before.size() >= last);
-    const QRegularExpression rowPattern(QStringLiteral("\\brow \\d+\\b"));
-    auto rowsOf = [&](const QString &text) {
-        QSet<QString> rows;
-        for (auto it = rowPattern.globalMatch(text); it.hasNext();)
-            rows.insert(it.next().captured(0));
-        return rows;
-    };
-    QSet<QString> keptRows;
-    QStringList keptWords;
-    QStringList goneWords;
-    for (int i = 0; i < before.size(); ++i) {
-        const bool keep = i + 1 < first || i + 1 > last;
-        if (keep)
-            keptRows += rowsOf(before[i]);
-        for (const QString &word : {QStringLiteral("cover"), QStringLiteral("after")}) {
-            if (before[i].contains(word))
-                (keep ? keptWords : goneWords).append(word);
-        }
-    }
+    QStringList texts = ZylTestDocuments::pageTexts(source);
+    QVERIFY(texts.size() >= last);
     // The table must really run over the pages the row names.
-    QVERIFY(!rowsOf(before[first - 1]).isEmpty() || !rowsOf(before[last - 1]).isEmpty());
-
+    QVERIFY(texts[first - 1].contains(QStringLiteral("row ")) || texts[last - 1].contains(QStringLiteral("row ")));
+    texts.erase(texts.begin() + first - 1, texts.begin() + last);
     const QString work = workCopy(source, QStringLiteral("cut-%1-%2-%3").arg(first).arg(last).arg(name));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(work, &doc), S_OK);
-    int count = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &count), S_OK);
-    QCOMPARE(count, before.size());
-    QCOMPARE(m_zyl->deletePages(doc.get(), first, last), S_OK);
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &count), S_OK);
-    QCOMPARE(count, before.size() - (last - first + 1));
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-
-    const QString text = ZylTestDocuments::pageTexts(work).join(QLatin1Char(' '));
-    QVERIFY(!text.isEmpty());
-    QCOMPARE(rowsOf(text), keptRows);
-    for (const QString &word : keptWords)
-        QVERIFY2(text.contains(word), qPrintable(word));
-    for (const QString &word : goneWords)
-        QVERIFY2(!text.contains(word), qPrintable(word));
-    // Heading rows stay on every page the table still runs over.
-    if (pages.first().kind == Page::HeadedTable && !keptRows.isEmpty())
-        QVERIFY(text.contains(QStringLiteral("heading")));
+    QCOMPARE(edited(work, cutting(first, last)), texts.size());
+    // Every row and word that stays, in order, wherever the pages now break.
+    QCOMPARE(ZylTestDocuments::pageTexts(work).join(QLatin1Char(' ')).simplified(), texts.join(QLatin1Char(' ')));
 }
 
 void tst_ZylServer::sectionProtection_data()
@@ -673,19 +619,14 @@ void tst_ZylServer::sectionProtection_data()
     QTest::newRow("unprotected_section")
         << QStringLiteral("<text:p>open</text:p><text:section text:name=\"Free\"><text:p>free</text:p></text:section>")
         << -1;
-    QTest::newRow("table_of_contents")
-        << QStringLiteral("<text:table-of-content text:name=\"Contents1\" text:protected=\"true\">"
-                          "<text:table-of-content-source text:outline-level=\"10\"><text:index-title-template>Contents</text:index-title-template></text:table-of-content-source>"
-                          "<text:index-body><text:index-title text:name=\"Contents1_Head\"><text:p>Contents</text:p></text:index-title><text:p>Chapter</text:p></text:index-body>"
-                          "</text:table-of-content><text:h text:outline-level=\"1\">Chapter</text:h>")
-        << -1;
+    const QString contents = QStringLiteral(
+        "<text:table-of-content text:name=\"Contents1\" text:protected=\"true\">"
+        "<text:table-of-content-source text:outline-level=\"10\"><text:index-title-template>Contents</text:index-title-template></text:table-of-content-source>"
+        "<text:index-body><text:index-title text:name=\"Contents1_Head\"><text:p>Contents</text:p></text:index-title><text:p>Chapter</text:p></text:index-body>"
+        "</text:table-of-content><text:h text:outline-level=\"1\">Chapter</text:h>");
+    QTest::newRow("table_of_contents") << contents << -1;
     QTest::newRow("protected_section_after_contents")
-        << QStringLiteral("<text:table-of-content text:name=\"Contents1\" text:protected=\"true\">"
-                          "<text:table-of-content-source text:outline-level=\"10\"><text:index-title-template>Contents</text:index-title-template></text:table-of-content-source>"
-                          "<text:index-body><text:p>Chapter</text:p></text:index-body>"
-                          "</text:table-of-content><text:h text:outline-level=\"1\">Chapter</text:h>"
-                          "<text:section text:name=\"Locked\" text:protected=\"true\"><text:p>locked</text:p></text:section>")
-        << 2;
+        << contents + QStringLiteral("<text:section text:name=\"Locked\" text:protected=\"true\"><text:p>locked</text:p></text:section>") << 2;
 }
 
 void tst_ZylServer::sectionProtection()
@@ -722,19 +663,13 @@ void tst_ZylServer::appendDocument()
 {
     QFETCH(QString, suffix);
     QFETCH(int, lastKind);
-    const QString a = pageDoc(QStringLiteral("append-a.docx"), textPages({"first alpha", "first bravo"}));
-    QVector<Page> second = textPages({"second alpha", "second bravo", "second charlie"});
+    const QString a = pageDoc(QStringLiteral("append-a.docx"), ZylTestDocuments::pages({"first alpha", "first bravo"}));
+    QVector<Page> second = ZylTestDocuments::pages({"second alpha", "second bravo", "second charlie"});
     second.last().kind = Page::Kind(lastKind);
     const QString b = pageDoc(QStringLiteral("append-b%1.%2").arg(lastKind).arg(suffix), second);
     // The second source has lost its first pages, the way a page range is taken from a file.
-    const QString c = workCopy(pageDoc(QStringLiteral("append-c.") + suffix, textPages({"third alpha", "third bravo", "third charlie"})), QStringLiteral("append-c-cut.") + suffix);
-    {
-        Dispatch cut;
-        QCOMPARE(m_zyl->openDocument(c, &cut), S_OK);
-        QCOMPARE(m_zyl->deletePages(cut.get(), 1, 2), S_OK);
-        QCOMPARE(m_zyl->saveDocument(cut.get()), S_OK);
-        QCOMPARE(m_zyl->closeDocument(cut.get()), S_OK);
-    }
+    const QString c = workCopy(pageDoc(QStringLiteral("append-c.") + suffix, ZylTestDocuments::pages({"third alpha", "third bravo", "third charlie"})), QStringLiteral("append-c-cut.") + suffix);
+    QCOMPARE(edited(c, cutting(1, 2)), 1);
     const QString target = workCopy(a, QStringLiteral("append-target.docx"));
     Dispatch doc;
     QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
@@ -758,7 +693,7 @@ void tst_ZylServer::appendAfterCutThroughTable()
     // table's remaining rows; a document appended there must start on the very next page.
     const QString source = pageDoc(QStringLiteral("split.zyl"),
                                    {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 60}, {"after", Page::Text, 0}});
-    const QString b = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString b = pageDoc(QStringLiteral("append-b.docx"), ZylTestDocuments::pages({"second alpha", "second bravo", "second charlie"}));
     const QString target = workCopy(source, QStringLiteral("append-after-cut.zyl"));
     Dispatch doc;
     QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
@@ -809,7 +744,7 @@ void tst_ZylServer::appendMadeDocument_data()
 {
     // Each source is appended to a one-page A4 portrait target; its pages must keep their own
     // layout and header, the A4 target's default page style having the same name as theirs.
-    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<QString>("suffix"); // of the source made of flat, or a file when flat is empty
     QTest::addColumn<QByteArray>("flat");
     QTest::addColumn<QStringList>("texts"); // held by the source's pages, in order
     QTest::addColumn<QSize>("size"); // of the source's pages in points; empty: not checked
@@ -835,6 +770,9 @@ void tst_ZylServer::appendMadeDocument_data()
     QTest::newRow("zyl_source_shape_only") << QStringLiteral("zyl") << shape << QStringList{"source header"} << letter;
     QTest::newRow("doc_source_empty") << QStringLiteral("doc") << pagedFlat("11in", "8.5in", header, QStringLiteral("<text:p/>"))
                                       << QStringList{"source header"} << letter;
+    // A page of only a formula's picture arrived empty when the .doc was inserted as it was.
+    QTest::newRow("legacy_picture_page") << QStringLiteral(ZYL_TEST_DATA "/equation.doc") << QByteArray()
+                                         << QStringList{"a n+ b n= c n ; n> 2"} << QSize();
     // Inserting a document with a text box in its header ended the office.
     const QByteArray textBox = pagedFlat(
         "21cm", "29.7cm",
@@ -880,19 +818,11 @@ void tst_ZylServer::appendMadeDocument()
     QFETCH(QByteArray, flat);
     QFETCH(QStringList, texts);
     QFETCH(QSize, size);
-    const QString source = fromFlat(QStringLiteral("made-%1.%2").arg(QTest::currentDataTag(), suffix), flat);
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("made-target.docx"));
+    const QString source = flat.isEmpty() ? suffix : fromFlat(QStringLiteral("made-%1.%2").arg(QTest::currentDataTag(), suffix), flat);
+    const QString target = workCopy(m_one, QStringLiteral("made-target.docx"));
     QVERIFY(!source.isEmpty());
 
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &pages), S_OK);
-    QCOMPARE(pages, 1 + texts.size());
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-
+    QCOMPARE(edited(target, appending({source})), 1 + texts.size());
     QStringList printed;
     QVector<QSize> sizes;
     QVERIFY(ZylTestDocuments::readPages(target, &printed, &sizes));
@@ -932,24 +862,15 @@ void tst_ZylServer::cutKeepsPageLook()
     const QString uncut = workCopy(source, QStringLiteral("look-whole.") + suffix);
     const QStringList kept{"left two", "right three", "left four"};
 
-    Dispatch cut;
-    QCOMPARE(m_zyl->openDocument(source, &cut), S_OK);
-    QCOMPARE(m_zyl->deletePages(cut.get(), 1, 1), S_OK);
-    QCOMPARE(m_zyl->saveDocument(cut.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(cut.get()), S_OK);
+    QCOMPARE(edited(source, cutting(1, 1)), 3);
     const QStringList cutTexts = ZylTestDocuments::pageTexts(source);
     QCOMPARE(cutTexts.size(), 3);
     QVERIFY2(!cutTexts.join(QLatin1Char(' ')).contains(QStringLiteral("first")), qPrintable(cutTexts.join(QLatin1Char('|'))));
 
     // Behind one page the whole document's pages would change sides by their places, and behind
     // those the cut copy's.
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("look-target.docx"));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), uncut), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    const QString target = workCopy(m_one, QStringLiteral("look-target.docx"));
+    QCOMPARE(edited(target, appending({uncut, source})), 8);
     QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + whole + kept);
 }
 
@@ -976,23 +897,17 @@ void tst_ZylServer::appendKeepsTrackedChanges()
                        "</office:text></office:body>")
             .arg(info.arg(QStringLiteral("Ann")), info.arg(QStringLiteral("Bob"))));
     const QString source = fromFlat(QStringLiteral("changes.") + suffix, flat);
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("changes-target.docx"));
+    const QString target = workCopy(m_one, QStringLiteral("changes-target.docx"));
     QVERIFY(!source.isEmpty());
 
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(target, appending({source})), 2);
     const QStringList texts = ZylTestDocuments::pageTexts(target);
     QCOMPARE(texts.size(), 2);
     QVERIFY2(texts[1].contains(QStringLiteral("added words")) && texts[1].contains(QStringLiteral("struck words")), qPrintable(texts[1]));
     const QString reread = m_dir.filePath(QStringLiteral("changes-%1.fodt").arg(suffix));
     QFile::remove(reread);
     QVERIFY(ZylTestDocuments::convert(target, reread));
-    QFile file(reread);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray saved = file.readAll();
+    const QByteArray saved = contents(reread);
     QCOMPARE(saved.count("<text:insertion>"), 1);
     QCOMPARE(saved.count("<text:deletion>"), 1);
     QVERIFY(saved.contains("<dc:creator>Ann</dc:creator>") && saved.contains("<dc:creator>Bob</dc:creator>"));
@@ -1009,15 +924,10 @@ void tst_ZylServer::cutWhileRecordingChanges()
 {
     // A document that records changes kept its cut pages as tracked deletions.
     QFETCH(QString, suffix);
-    QByteArray flat = ZylTestDocuments::flatDocument(textPages({"page one", "page two", "page three"}));
+    QByteArray flat = ZylTestDocuments::flatDocument(ZylTestDocuments::pages({"page one", "page two", "page three"}));
     flat.replace("<office:text>", "<office:text><text:tracked-changes text:track-changes=\"true\"/>");
     const QString path = fromFlat(QStringLiteral("recording.") + suffix, flat);
-
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    QCOMPARE(m_zyl->deletePages(doc.get(), 1, 1), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(path, cutting(1, 1)), 2);
     QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList({"page two", "page three"}));
 }
 
@@ -1056,9 +966,9 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
     // A copy cut and saved here is opened and appended as its file holds it, whatever became of
     // the document after the save. Landscape pages make the source's layout come along with it.
     QFETCH(bool, editedAfterSaving);
-    const QString source = pageDoc(QStringLiteral("land-three.docx"), textPages({"land one", "land two", "land three"}, Page::Landscape));
-    const QString other = pageDoc(QStringLiteral("land-other.docx"), textPages({"other one", "other two", "other three"}, Page::Landscape));
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("as-it-is-target.docx"));
+    const QString source = pageDoc(QStringLiteral("land-three.docx"), ZylTestDocuments::pages({"land one", "land two", "land three"}, Page::Landscape));
+    const QString other = pageDoc(QStringLiteral("land-other.docx"), ZylTestDocuments::pages({"other one", "other two", "other three"}, Page::Landscape));
+    const QString target = workCopy(m_one, QStringLiteral("as-it-is-target.docx"));
     const QString copy = workCopy(source, QStringLiteral("as-it-is-copy.docx"));
 
     Dispatch cut;
@@ -1073,35 +983,9 @@ void tst_ZylServer::appendTakesTheFileAsItIs()
         QCOMPARE(workCopy(other, QStringLiteral("as-it-is-copy.docx")), copy);
         expected = QStringList{"other one", "other two", "other three"};
     }
-    Dispatch reopened;
-    QCOMPARE(m_zyl->openDocument(copy, &reopened), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(reopened.get(), &pages), S_OK);
-    QCOMPARE(pages, expected.size());
-    QCOMPARE(m_zyl->closeDocument(reopened.get()), S_OK);
-
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), copy), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(pageCount(copy), expected.size());
+    QCOMPARE(edited(target, appending({copy})), 1 + expected.size());
     QCOMPARE(ZylTestDocuments::pageTexts(target), QStringList{"target one"} + expected);
-}
-
-void tst_ZylServer::appendPictureOfLegacyDocument()
-{
-    // A .doc page that holds only a picture, with nothing to rename, arrived empty when inserted
-    // as it was.
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("picture-target.docx"));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), QStringLiteral(ZYL_TEST_DATA "/equation.doc")), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &pages), S_OK);
-    QCOMPARE(pages, 2);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-    QCOMPARE(ZylTestDocuments::pdfPageCount(target), 2);
 }
 
 void tst_ZylServer::fullPageTable_data()
@@ -1124,21 +1008,12 @@ void tst_ZylServer::fullPageTable()
     QCOMPARE(ZylTestDocuments::pageTexts(source), QStringList({"one", "two three"}));
     const QString whole = workCopy(source, QStringLiteral("full-table-whole.") + suffix);
 
-    Dispatch cut;
-    QCOMPARE(m_zyl->openDocument(source, &cut), S_OK);
-    QCOMPARE(m_zyl->deletePages(cut.get(), 2, 2), S_OK);
-    QCOMPARE(m_zyl->saveDocument(cut.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(cut.get()), S_OK);
+    QVERIFY(edited(source, cutting(2, 2)) > 0);
     QCOMPARE(ZylTestDocuments::pageTexts(source), QStringList({"one"}));
 
-    const QString target = workCopy(pageDoc(QStringLiteral("one.docx"), textPages({"target one"})), QStringLiteral("full-table-target.docx"));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(target, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), whole), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), source), S_OK);
+    const QString target = workCopy(m_one, QStringLiteral("full-table-target.docx"));
     const QString merged = m_dir.filePath(QStringLiteral("full-table-merged.") + suffix);
-    QCOMPARE(m_zyl->saveDocumentAs(doc.get(), merged, suffix), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(target, appending({whole, source}), merged), 4);
     QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList({"target one", "one", "two three", "one"}));
 
     // Behind a page of its own style, the table is not left to its style to start the page.
@@ -1154,11 +1029,11 @@ void tst_ZylServer::editsMatchFreshReading_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QVector<Page>>("pages");
-    QTest::newRow("plain_docx") << "step-plain.docx" << textPages({"one", "two", "three", "four", "five", "six"});
+    QTest::newRow("plain_docx") << "step-plain.docx" << ZylTestDocuments::pages({"one", "two", "three", "four", "five", "six"});
     QTest::newRow("tables_zyl") << "step-tables.zyl"
         << QVector<Page>{{"one", Page::Text, 0}, {"table two", Page::TableStart, 0}, {"three", Page::Text, 0},
                          {"table four", Page::TableStart, 0}, {"five", Page::Text, 0}, {"six", Page::Text, 0}};
-    QTest::newRow("blank_pages_zyl") << "step-blank.zyl" << rightPages() + textPages({"five", "six"});
+    QTest::newRow("blank_pages_zyl") << "step-blank.zyl" << rightPages() + ZylTestDocuments::pages({"five", "six"});
 }
 
 void tst_ZylServer::editsMatchFreshReading()
@@ -1168,7 +1043,7 @@ void tst_ZylServer::editsMatchFreshReading()
     // once it is opened afresh.
     QFETCH(QString, name);
     QFETCH(QVector<Page>, pages);
-    const QString appended = pageDoc(QStringLiteral("append-b.docx"), textPages({"second alpha", "second bravo", "second charlie"}));
+    const QString appended = pageDoc(QStringLiteral("append-b.docx"), ZylTestDocuments::pages({"second alpha", "second bravo", "second charlie"}));
     const QString work = workCopy(pageDoc(name, pages), QStringLiteral("work-") + name);
     Dispatch doc;
     QCOMPARE(m_zyl->openDocument(work, &doc), S_OK);
@@ -1215,16 +1090,19 @@ void tst_ZylServer::saveAsFormats_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<QVariant>("format"); // invalid: VT_EMPTY
-    QTest::addColumn<QByteArray>("magic");
-    QTest::addColumn<QByteArray>("marker");
+    QTest::addColumn<QByteArray>("magic"); // empty: the save fails and leaves the target as it was
+    QTest::addColumn<QByteArray>("marker"); // held by the saved file, or by the target before a refused save
 
     const QByteArray zip("PK\x03\x04", 4);
     const QByteArray ole("\xD0\xCF\x11\xE0", 4);
     QTest::newRow("code_12_docx") << "out12.docx" << QVariant(12) << zip << QByteArray("word/document.xml");
-    QTest::newRow("by_extension_docx") << "out0.docx" << QVariant(0) << zip << QByteArray("word/document.xml");
+    // A '?' in the name must not end the path the office is given.
+    QTest::newRow("by_extension_docx") << "out0?.docx" << QVariant(0) << zip << QByteArray("word/document.xml");
     QTest::newRow("by_extension_doc") << "out0.doc" << QVariant(0) << ole << QByteArray();
     QTest::newRow("by_extension_zyl") << "out0.zyl" << QVariant(0) << zip << QByteArray("application/vnd.oasis.opendocument.text");
     QTest::newRow("no_format_keeps_docx") << "kept.zyl" << QVariant() << zip << QByteArray("word/document.xml");
+    QTest::newRow("existing_target_kept") << "existing.docx" << QVariant(12) << QByteArray() << QByteArray("keep me");
+    QTest::newRow("unknown_type_refused") << "odd.xyz" << QVariant(0) << QByteArray() << QByteArray();
 }
 
 void tst_ZylServer::saveAsFormats()
@@ -1234,52 +1112,31 @@ void tst_ZylServer::saveAsFormats()
     QFETCH(QByteArray, magic);
     QFETCH(QByteArray, marker);
 
-    const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     const QString path = m_dir.filePath(target);
     QFile::remove(path);
+    if (magic.isEmpty() && !marker.isEmpty())
+        QVERIFY(writeFile(path, marker));
     // The saved file gets the mode of any new file, not that of the private temporary one.
     const mode_t oldMask = ::umask(027);
     auto restoreMask = qScopeGuard([oldMask] { ::umask(oldMask); });
     Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(source, &doc), S_OK);
-    QCOMPARE(saveAs(doc.get(), path, format.isValid() ? ScopedVariant(LONG(format.toInt())) : ScopedVariant()), S_OK);
+    QCOMPARE(m_zyl->openDocument(m_three, &doc), S_OK);
+    const HRESULT hr = saveAs(doc.get(), path, format.isValid() ? ScopedVariant(LONG(format.toInt())) : ScopedVariant());
     QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-    QCOMPARE(fileMode(path), mode_t(0640));
-
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
-    QVERIFY2(bytes.startsWith(magic), qPrintable(zipEntryHint(path)));
-    QVERIFY(marker.isEmpty() || bytes.contains(marker));
     // Nothing is left over from writing.
     QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral(".~vzyl*")}, QDir::Files | QDir::Hidden), QStringList());
-
-    Dispatch reopened;
-    QCOMPARE(m_zyl->openDocument(path, &reopened), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(reopened.get(), &pages), S_OK);
-    QCOMPARE(pages, 3);
-    QCOMPARE(m_zyl->closeDocument(reopened.get()), S_OK);
-}
-
-void tst_ZylServer::saveAsRefusesExistingTarget()
-{
-    const QString source = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
-    const QString existing = m_dir.filePath(QStringLiteral("existing.docx"));
-    QFile f(existing);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write("keep me");
-    f.close();
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(source, &doc), S_OK);
-    QVERIFY(FAILED(saveAs(doc.get(), existing, ScopedVariant(LONG(12)))));
-    QVERIFY(f.open(QIODevice::ReadOnly));
-    QCOMPARE(f.readAll(), QByteArray("keep me"));
-    // An unknown target type fails too and writes nothing.
-    const QString odd = m_dir.filePath(QStringLiteral("odd.xyz"));
-    QVERIFY(FAILED(saveAs(doc.get(), odd, ScopedVariant(LONG(0)))));
-    QVERIFY(!QFileInfo::exists(odd));
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    if (magic.isEmpty()) {
+        QVERIFY(FAILED(hr));
+        QCOMPARE(QFileInfo::exists(path), !marker.isEmpty());
+        QCOMPARE(contents(path), marker);
+        return;
+    }
+    QCOMPARE(hr, S_OK);
+    QCOMPARE(fileMode(path), mode_t(0640));
+    const QByteArray bytes = contents(path);
+    QVERIFY2(bytes.startsWith(magic), bytes.left(16).toHex().constData());
+    QVERIFY(marker.isEmpty() || bytes.contains(marker));
+    QCOMPARE(pageCount(path), 3);
 }
 
 void tst_ZylServer::textVariantsAreTextDocuments_data()
@@ -1312,9 +1169,7 @@ void tst_ZylServer::textVariantsAreTextDocuments()
     const QString path = m_dir.filePath(QStringLiteral("%1.zyl").arg(QTest::currentDataTag()));
     QFile::remove(path);
     for (const auto &entry : entries) {
-        QFile file(folder.filePath(entry.first));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(entry.second) == entry.second.size());
-        file.close();
+        QVERIFY(writeFile(folder.filePath(entry.first), entry.second));
         // The media type comes first and uncompressed, where readers look for it.
         const QStringList how = entry.first == QLatin1String("mimetype") ? QStringList{"-X", "-0", "-q"} : QStringList{"-X", "-q"};
         QProcess zip;
@@ -1323,14 +1178,8 @@ void tst_ZylServer::textVariantsAreTextDocuments()
         QVERIFY(zip.waitForFinished(30000) && zip.exitCode() == 0);
     }
 
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &pages), S_OK);
-    QCOMPARE(pages, 2);
     const QString saved = m_dir.filePath(QStringLiteral("%1-saved.docx").arg(QTest::currentDataTag()));
-    QCOMPARE(m_zyl->saveDocumentAs(doc.get(), saved, QStringLiteral("docx")), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(path, [](IDispatch *) { return S_OK; }, saved), 2);
     QCOMPARE(ZylTestDocuments::pageTexts(saved), QStringList({"variant one", "variant two"}));
 }
 
@@ -1347,23 +1196,13 @@ void tst_ZylServer::saveReplacesAtomically()
     QFETCH(QString, source);
     const bool made = source.isEmpty();
     if (made)
-        source = pageDoc(QStringLiteral("plain.doc"), textPages({"page one", "page two", "page three", "page four"}));
+        source = pageDoc(QStringLiteral("plain.doc"), ZylTestDocuments::pages({"page one", "page two", "page three", "page four"}));
     const QString work = workCopy(source, QStringLiteral("save-%1.doc").arg(QTest::currentDataTag()));
     QCOMPARE(::chmod(QFile::encodeName(work).constData(), 0604), 0);
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(work, &doc), S_OK);
-    int pages = 0;
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &pages), S_OK);
-    if (made) {
-        QCOMPARE(m_zyl->deletePages(doc.get(), 2, 2), S_OK);
-        --pages;
-    }
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    const int pages = edited(work, made ? cutting(2, 2) : [](IDispatch *) { return S_OK; });
+    QVERIFY(pages > 0);
     QCOMPARE(fileMode(work), mode_t(0604));
-    QFile file(work);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.read(8) == QByteArray("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8)); // still the format it was loaded in
+    QVERIFY(contents(work).startsWith(QByteArray("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8))); // still the format it was loaded in
     if (made)
         QCOMPARE(ZylTestDocuments::pageTexts(work), QStringList({"page one", "page three", "page four"}));
     else
@@ -1375,9 +1214,7 @@ void tst_ZylServer::badFilesFailQuickly_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("suffix");
-    QTest::newRow("garbage_docx") << QByteArray("this is not a document at all\n").repeated(20) << "docx";
-    QTest::newRow("zero_bytes_docx") << QByteArray() << "docx";
-    QTest::newRow("zero_bytes_doc") << QByteArray() << "doc";
+    // Beside the corpus's plain text, zero-byte and truncated .docx files.
     QTest::newRow("garbage_zyl") << QByteArray("\x01\x02 nothing here", 15) << "zyl";
     QTest::newRow("truncated_zip_docx") << QByteArray("PK\x03\x04\x14\x00\x06\x00", 8) << "docx";
 }
@@ -1387,10 +1224,7 @@ void tst_ZylServer::badFilesFailQuickly()
     QFETCH(QByteArray, content);
     QFETCH(QString, suffix);
     const QString path = m_dir.filePath(QStringLiteral("bad-%1.%2").arg(QTest::currentDataTag()).arg(suffix));
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(content);
-    f.close();
+    QVERIFY(writeFile(path, content));
     QElapsedTimer timer;
     timer.start();
     Dispatch doc;
@@ -1398,33 +1232,20 @@ void tst_ZylServer::badFilesFailQuickly()
     QVERIFY2(FAILED(hr), "a file that is no document opened");
     QVERIFY(timer.elapsed() < 30000);
     QVERIFY(!doc);
-    QVERIFY(f.open(QIODevice::ReadOnly));
-    QCOMPARE(f.readAll(), content);
+    QCOMPARE(contents(path), content);
     // A missing file fails as well, without the office.
     Dispatch documents;
     QCOMPARE(m_zyl->documents(&documents), S_OK);
     QVERIFY(FAILED(invoke(documents.get(), QStringLiteral("Open"), DISPATCH_METHOD, arguments(text(path + QStringLiteral(".missing"))))));
 }
 
-void tst_ZylServer::openingLeavesNoLockFile()
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("locked?.docx"));
-    QVERIFY(QFile::copy(pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"})), path));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList({"locked?.docx"}));
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-}
-
 void tst_ZylServer::quitClosesOnlyOwnDocuments()
 {
-    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     const std::unique_ptr<Zyl> other = newApplication();
     QVERIFY(other);
     Dispatch mine, theirs;
-    QCOMPARE(m_zyl->openDocument(path, &mine), S_OK);
-    QCOMPARE(other->openDocument(path, &theirs), S_OK);
+    QCOMPARE(m_zyl->openDocument(m_three, &mine), S_OK);
+    QCOMPARE(other->openDocument(m_three, &theirs), S_OK);
     QCOMPARE(other->quitApplication(), S_OK);
     int pages = 0;
     QCOMPARE(m_zyl->computeStatistics(mine.get(), &pages), S_OK);
@@ -1437,8 +1258,6 @@ void tst_ZylServer::quitClosesOnlyOwnDocuments()
 
 void tst_ZylServer::twoApplicationsOnTwoThreads()
 {
-    const QString a = pageDoc(QStringLiteral("plain.docx"), textPages({"page one", "page two", "page three", "page four"}));
-    const QString b = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
     std::atomic<int> counts[2] = {{-1}, {-1}};
     auto work = [&](int slot, QString path) {
         Zyl zyl;
@@ -1451,8 +1270,8 @@ void tst_ZylServer::twoApplicationsOnTwoThreads()
         }
         zyl.leaveRun();
     };
-    std::thread first(work, 0, a);
-    std::thread second(work, 1, b);
+    std::thread first(work, 0, pageDoc(QStringLiteral("plain.docx"), ZylTestDocuments::pages({"page one", "page two", "page three", "page four"})));
+    std::thread second(work, 1, m_three);
     first.join();
     second.join();
     QCOMPARE(counts[0].load(), 4);
@@ -1463,77 +1282,61 @@ void tst_ZylServer::hungOfficeIsKilled_data()
 {
     QTest::addColumn<bool>("inserting");
     QTest::addColumn<int>("signal");
-    QTest::newRow("counting") << false << int(SIGSTOP);
+    QTest::addColumn<bool>("quitting");
+    QTest::newRow("counting") << false << int(SIGSTOP) << false;
     // The server still holds the document just closed, to insert it without loading it again.
-    QTest::newRow("inserting a document just closed") << true << int(SIGSTOP);
-    QTest::newRow("killed while counting") << false << int(SIGKILL);
+    QTest::newRow("inserting a document just closed") << true << int(SIGSTOP) << false;
+    QTest::newRow("killed while counting") << false << int(SIGKILL) << false;
+    // Leaves the server quitting: must stay the last row of the last test.
+    QTest::newRow("application quitting") << false << int(SIGSTOP) << true;
 }
 
 void tst_ZylServer::hungOfficeIsKilled()
 {
     QFETCH(bool, inserting);
     QFETCH(int, signal);
-    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
-    const QString other = pageDoc(QStringLiteral("one.docx"), textPages({"target one"}));
+    QFETCH(bool, quitting);
     Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
+    QCOMPARE(m_zyl->openDocument(m_three, &doc), S_OK);
     Dispatch end;
     if (inserting) {
         Dispatch closed;
-        QCOMPARE(m_zyl->openDocument(other, &closed), S_OK);
+        QCOMPARE(m_zyl->openDocument(m_one, &closed), S_OK);
         QCOMPARE(m_zyl->closeDocument(closed.get()), S_OK);
         QCOMPARE(m_zyl->wholeRange(doc.get(), &end), S_OK);
         QCOMPARE(m_zyl->collapseToEnd(end.get()), S_OK);
     }
-    // A frozen office is cut off by the call limit; a killed one must be noticed without it.
-    if (signal == SIGSTOP)
+    // A frozen office is cut off by the call limit, or well before it once the application
+    // quits; a killed one must be noticed without either.
+    if (signal == SIGSTOP && !quitting)
         qputenv("VZYL_CALL_TIMEOUT", "5");
     auto restore = qScopeGuard([] { qunsetenv("VZYL_CALL_TIMEOUT"); });
     const qint64 office = soleOffice();
     QVERIFY(office > 1);
     QCOMPARE(::kill(pid_t(office), signal), 0);
+    QVERIFY(!quitting || QMetaObject::invokeMethod(QCoreApplication::instance(), "aboutToQuit"));
     QElapsedTimer timer;
     timer.start();
     int pages = 0;
     // The process lives on to tell of the failure.
-    const HRESULT hr = inserting ? invoke(end.get(), QStringLiteral("InsertFile"), DISPATCH_METHOD, arguments(text(other)))
+    const HRESULT hr = inserting ? invoke(end.get(), QStringLiteral("InsertFile"), DISPATCH_METHOD, arguments(text(m_one)))
                                  : m_zyl->computeStatistics(doc.get(), &pages);
     QVERIFY(FAILED(hr));
-    QVERIFY2(timer.elapsed() < 30000, "the stuck call was not cut short");
+    QVERIFY2(timer.elapsed() < (quitting ? 10000 : 30000), qPrintable(QString::number(timer.elapsed())));
     QTRY_VERIFY_WITH_TIMEOUT(!ourOffices().contains(office), 15000);
     end.reset();
     doc.reset();
+    if (quitting) {
+        m_zyl.reset();
+        // Nothing starts an office for work that nobody waits for any more.
+        const std::unique_ptr<Zyl> late = newApplication();
+        QVERIFY(!late || FAILED(late->openDocument(m_three, &doc)));
+        QVERIFY(ourOffices().isEmpty());
+        return;
+    }
     m_zyl = newApplication();
     QVERIFY(m_zyl);
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    QCOMPARE(m_zyl->computeStatistics(doc.get(), &pages), S_OK);
-    QCOMPARE(pages, 3);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
-}
-
-void tst_ZylServer::quittingCutsWaitingCallsShort()
-{
-    const QString path = pageDoc(QStringLiteral("three.docx"), textPages({"alpha one", "bravo two", "charlie three"}));
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    const qint64 office = soleOffice();
-    QVERIFY(office > 1);
-    // Frozen, the office would hold the call for the whole hang timeout.
-    QCOMPARE(::kill(pid_t(office), SIGSTOP), 0);
-    QVERIFY(QMetaObject::invokeMethod(QCoreApplication::instance(), "aboutToQuit"));
-    QElapsedTimer timer;
-    timer.start();
-    int pages = 0;
-    QVERIFY(FAILED(m_zyl->computeStatistics(doc.get(), &pages)));
-    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
-    QTRY_VERIFY_WITH_TIMEOUT(!ourOffices().contains(office), 15000);
-    doc.reset();
-    m_zyl.reset();
-    // Nothing starts an office for work that nobody waits for any more.
-    const std::unique_ptr<Zyl> late = newApplication();
-    Dispatch lateDoc;
-    QVERIFY(!late || FAILED(late->openDocument(path, &lateDoc)));
-    QVERIFY(ourOffices().isEmpty());
+    QCOMPARE(pageCount(m_three), 3);
 }
 
 QTEST_GUILESS_MAIN(tst_ZylServer)

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QImage>
 #include <QPainter>
 #include <QProcess>
@@ -42,22 +43,11 @@ void setError(QString *error, const QString &text)
 
 QString filterFor(const QString &suffix)
 {
-    if (suffix == QLatin1String("docx"))
-        return QStringLiteral("docx:MS Word 2007 XML");
-    if (suffix == QLatin1String("doc"))
-        return QStringLiteral("doc:MS Word 97");
-    if (suffix == QLatin1String("zyl") || suffix == QLatin1String("odt"))
-        return QStringLiteral("odt:writer8");
-    if (suffix == QLatin1String("pdf"))
-        return QStringLiteral("pdf:writer_pdf_Export");
-    if (suffix == QLatin1String("fodt"))
-        return QStringLiteral("fodt:OpenDocument Text Flat XML");
-    return QString();
-}
-
-QString escaped(const QString &text)
-{
-    return text.toHtmlEscaped();
+    static const QHash<QString, QString> filters{
+        {QStringLiteral("docx"), QStringLiteral("docx:MS Word 2007 XML")}, {QStringLiteral("doc"), QStringLiteral("doc:MS Word 97")},
+        {QStringLiteral("zyl"), QStringLiteral("odt:writer8")}, {QStringLiteral("odt"), QStringLiteral("odt:writer8")},
+        {QStringLiteral("pdf"), QStringLiteral("pdf:writer_pdf_Export")}, {QStringLiteral("fodt"), QStringLiteral("fodt:OpenDocument Text Flat XML")}};
+    return filters.value(suffix);
 }
 
 QByteArray pictureBase64()
@@ -139,11 +129,11 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
                         .arg(++tables).arg(tableStyle);
             body += QStringLiteral("<table:table-row><table:table-cell office:value-type=\"string\"><text:p>%1</text:p></table:table-cell>"
                                    "<table:table-cell office:value-type=\"string\"><text:p>cell</text:p></table:table-cell></table:table-row>")
-                        .arg(escaped(page.text));
+                        .arg(page.text.toHtmlEscaped());
             body += QStringLiteral("</table:table>");
             continue;
         }
-        body += QStringLiteral("<text:p text:style-name=\"%1\">%2</text:p>").arg(paraStyle, escaped(page.text));
+        body += QStringLiteral("<text:p text:style-name=\"%1\">%2</text:p>").arg(paraStyle, page.text.toHtmlEscaped());
         if (page.kind == Page::Image) {
             body += QStringLiteral("<text:p text:style-name=\"PN\"><draw:frame draw:style-name=\"fr1\" draw:name=\"Picture%1\" "
                                    "text:anchor-type=\"as-char\" svg:width=\"4cm\" svg:height=\"4cm\" draw:z-index=\"0\">"
@@ -160,7 +150,7 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
             for (int r = 0; r < page.tableRows; ++r) {
                 body += QStringLiteral("<table:table-row><table:table-cell office:value-type=\"string\"><text:p>row %1</text:p></table:table-cell>"
                                        "<table:table-cell office:value-type=\"string\"><text:p>%2</text:p></table:table-cell></table:table-row>")
-                            .arg(r + 1).arg(escaped(page.text));
+                            .arg(r + 1).arg(page.text.toHtmlEscaped());
             }
             body += QStringLiteral("</table:table>");
         }
@@ -213,12 +203,17 @@ QByteArray ZylTestDocuments::flatDocument(const QString &content)
         .toUtf8();
 }
 
-bool ZylTestDocuments::makeDocument(const QString &path, const QStringList &pageTexts, QString *error)
+QVector<ZylTestDocuments::Page> ZylTestDocuments::pages(const QStringList &texts, Page::Kind kind)
 {
     QVector<Page> pages;
-    for (const QString &text : pageTexts)
-        pages.append(Page{text, Page::Text, 0});
-    return makeDocument(path, pages, error);
+    for (const QString &text : texts)
+        pages.append(Page{text, kind, 0});
+    return pages;
+}
+
+bool ZylTestDocuments::makeDocument(const QString &path, const QStringList &pageTexts, QString *error)
+{
+    return makeDocument(path, pages(pageTexts), error);
 }
 
 bool ZylTestDocuments::makeDocument(const QString &path, const QVector<Page> &pages, QString *error)

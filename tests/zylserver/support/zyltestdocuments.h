@@ -31,6 +31,8 @@ public:
         int tableRows = 60;
     };
 
+    // Pages of one kind, one for each text.
+    static QVector<Page> pages(const QStringList &texts, Page::Kind kind = Page::Text);
     // Pages of plain text, one entry per page. Returns false and sets error on failure.
     static bool makeDocument(const QString &path, const QStringList &pageTexts, QString *error = nullptr);
     static bool makeDocument(const QString &path, const QVector<Page> &pages, QString *error = nullptr);
