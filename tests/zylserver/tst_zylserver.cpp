@@ -946,11 +946,7 @@ void tst_ZylServer::cutKeepsReferenceTexts()
         " <text:sequence-ref text:reference-format=\"value\" text:ref-name=\"refFigure0\">1</text:sequence-ref> and"
         " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>")));
     QVERIFY(!path.isEmpty());
-    Dispatch doc;
-    QCOMPARE(m_zyl->openDocument(path, &doc), S_OK);
-    QCOMPARE(m_zyl->deletePages(doc.get(), 1, 1), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(path, cutting(1, 1)), 1);
     QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList({"second words see first words, 1, 1 and second words"}));
 }
 
@@ -1018,10 +1014,7 @@ void tst_ZylServer::fullPageTable()
 
     // Behind a page of its own style, the table is not left to its style to start the page.
     const QString same = workCopy(whole, QStringLiteral("full-table-same.") + suffix);
-    QCOMPARE(m_zyl->openDocument(same, &doc), S_OK);
-    QCOMPARE(m_zyl->appendDocument(doc.get(), whole), S_OK);
-    QCOMPARE(m_zyl->saveDocument(doc.get()), S_OK);
-    QCOMPARE(m_zyl->closeDocument(doc.get()), S_OK);
+    QCOMPARE(edited(same, appending({whole})), 4);
     QCOMPARE(ZylTestDocuments::pageTexts(same), QStringList({"one", "two three", "one", "two three"}));
 }
 
