@@ -31,8 +31,9 @@ std::vector<uno::Reference<text::XTextField>> fieldsOf(const uno::Reference<text
     const uno::Reference<container::XEnumeration> all = supplier->getTextFields()->createEnumeration();
     while (all->hasMoreElements()) {
         uno::Reference<lang::XServiceInfo> info(all->nextElement(), uno::UNO_QUERY);
-        if (info.is() && info->supportsService(ou(service)))
-            found.emplace_back(info, uno::UNO_QUERY);
+        uno::Reference<text::XTextField> field(info, uno::UNO_QUERY);
+        if (field.is() && info->supportsService(ou(service)))
+            found.push_back(field);
     }
     return found;
 }
@@ -53,8 +54,13 @@ bool hasNote(const uno::Reference<container::XIndexAccess> &notes, sal_Int16 id)
 ZylReferences::ZylReferences(const uno::Reference<text::XTextDocument> &document) : m_document(document)
 {
     try {
-        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference"))
-            m_noted.push_back({field, field->getPresentation(false)});
+        // Only the body's: a header's or footer's shows on pages that stay whatever is cut.
+        const uno::Reference<text::XText> body = document->getText();
+        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference")) {
+            const uno::Reference<text::XTextRange> anchor = field->getAnchor();
+            if (anchor.is() && anchor->getText() == body)
+                m_noted.push_back({field, field->getPresentation(false)});
+        }
     } catch (const uno::Exception &) {
         m_noted.clear();
     }
@@ -109,6 +115,8 @@ void ZylReferences::keepOrphanedTexts() const
             if (!anchor.is() || targetExists(noted.field))
                 continue;
             const uno::Reference<text::XText> text = anchor->getText();
+            if (!text.is())
+                continue;
             text->insertString(anchor->getStart(), noted.text, false);
             text->removeTextContent(uno::Reference<text::XTextContent>(noted.field, uno::UNO_QUERY_THROW));
         } catch (const uno::Exception &) {
