@@ -581,8 +581,8 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         if (follow != renamed.end())
             copy->setPropertyValue(ou("FollowStyle"), uno::Any(follow->second));
     }
-    // A leading table stays behind the paragraph it is inserted after, which takes the first style:
-    // a style of the table's own would start a second page.
+    // A leading table gives up its own page style and break: the insertion names the first style
+    // on whatever starts the content, so that only one page starts there.
     uno::Reference<text::XTextTable> leadingTable(elements.front(), uno::UNO_QUERY);
     m_startsWithTable = leadingTable.is();
     uno::Reference<text::XTextRange> last(elements.back(), uno::UNO_QUERY);
