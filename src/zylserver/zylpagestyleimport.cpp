@@ -249,15 +249,16 @@ void collectParagraphs(const std::vector<uno::Reference<beans::XPropertySet>> &e
     }
 }
 
-// Paragraph values that a paragraph may set directly over its style.
+// Paragraph values that a paragraph may set directly over its style, its font among them.
 std::vector<rtl::OUString> directParagraphNames(const uno::Reference<beans::XPropertySet> &paragraph)
 {
     static const std::set<rtl::OUString> managed = {ou("ParaStyleName"), ou("ParaConditionalStyleName"),
                                                     ou("ParaAutoStyleName"), ou("ParaIsNumberingRestart"),
-                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel")};
+                                                    ou("ParaNumberingStartValue"), ou("ParaChapterNumberingLevel"),
+                                                    ou("CharAutoStyleName")};
     std::vector<rtl::OUString> names;
     for (const rtl::OUString &name : writableNames(paragraph, managed)) {
-        if (name.startsWith("Para"))
+        if (name.startsWith("Para") || name.startsWith("Char"))
             names.push_back(name);
     }
     return names;

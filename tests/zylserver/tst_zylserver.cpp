@@ -805,6 +805,20 @@ void tst_ZylServer::appendMadeDocument_data()
                        "<office:body><office:text>%1</office:text></office:body>")
             .arg(lines));
     QTest::newRow("direct_spacing_over_spaced_style_docx") << QStringLiteral("docx") << spaced << QStringList{"line 30"} << QSize();
+    // The same for a paragraph's own font: sixty small lines ran on over three pages in the
+    // style's large one.
+    QString small;
+    for (int line = 1; line <= 60; ++line)
+        small += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line);
+    const QByteArray sized = ZylTestDocuments::flatDocument(
+        QStringLiteral("<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">"
+                       "<style:text-properties fo:font-size=\"24pt\"/></style:style></office:styles>"
+                       "<office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\" style:parent-style-name=\"Standard\">"
+                       "<style:text-properties fo:font-size=\"8pt\"/></style:style></office:automatic-styles>"
+                       "<office:body><office:text><table:table><table:table-column/><table:table-row><table:table-cell>%1"
+                       "</table:table-cell></table:table-row></table:table></office:text></office:body>")
+            .arg(small));
+    QTest::newRow("direct_font_over_sized_style_doc") << QStringLiteral("doc") << sized << QStringList{"line 60"} << QSize();
     // An empty first paragraph was taken for the one inserted into and removed: the page below it
     // moved up and the last lines no longer ran over.
     QString tall = QStringLiteral("<text:p text:style-name=\"T\"/>");
