@@ -188,6 +188,7 @@ private slots:
     void appendTakesTheFileAsItIs();
     void fullPageTable_data();
     void fullPageTable();
+    void leadingTableInTargetStyle();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void saveAsFormats_data();
@@ -1028,6 +1029,17 @@ void tst_ZylServer::fullPageTable()
     const QString same = workCopy(whole, QStringLiteral("full-table-same.") + suffix);
     QCOMPARE(edited(same, appending({whole})), 4);
     QCOMPARE(ZylTestDocuments::pageTexts(same), QStringList({"one", "two three", "one", "two three"}));
+}
+
+void tst_ZylServer::leadingTableInTargetStyle()
+{
+    // The table starts its page by its page style, which the .doc format drops where the style
+    // does not change: the table ran on after the target's page.
+    const QString source = fromFlat(QStringLiteral("table-first.doc"),
+                                    ZylTestDocuments::flatDocument(QVector<Page>{{"table one", Page::TableStart, 0}}));
+    const QString merged = m_dir.filePath(QStringLiteral("table-first-merged.doc"));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("table-first-target.docx")), appending({source}), merged), 2);
+    QCOMPARE(ZylTestDocuments::pageTexts(merged).size(), 2);
 }
 
 void tst_ZylServer::editsMatchFreshReading_data()
