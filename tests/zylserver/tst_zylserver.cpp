@@ -793,32 +793,30 @@ void tst_ZylServer::appendMadeDocument_data()
         QStringLiteral("<text:p>source body</text:p>"));
     QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body"} << QSize(595, 842);
     QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body"} << QSize(595, 842);
+    // Lines in paragraph style P1, whose own properties differ from those of its parent Standard.
+    const auto lines = [](int count, const QString &standard, const QString &own, bool inTable) {
+        QString body;
+        for (int line = 1; line <= count; ++line)
+            body += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line);
+        if (inTable)
+            body = QStringLiteral("<table:table><table:table-column/><table:table-row><table:table-cell>%1"
+                                  "</table:table-cell></table:table-row></table:table>").arg(body);
+        return ZylTestDocuments::flatDocument(
+            QStringLiteral("<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">%1</style:style>"
+                           "</office:styles><office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\""
+                           " style:parent-style-name=\"Standard\">%2</style:style></office:automatic-styles>"
+                           "<office:body><office:text>%3</office:text></office:body>")
+                .arg(standard, own, body));
+    };
     // Paragraphs without spacing under a style with much of it took the style's spacing when the
     // style was renamed on its way in, and ran on over three pages.
-    QString lines;
-    for (int line = 1; line <= 30; ++line)
-        lines += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line);
-    const QByteArray spaced = ZylTestDocuments::flatDocument(
-        QStringLiteral("<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">"
-                       "<style:paragraph-properties fo:margin-bottom=\"2cm\"/></style:style></office:styles>"
-                       "<office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\" style:parent-style-name=\"Standard\">"
-                       "<style:paragraph-properties fo:margin-top=\"0cm\" fo:margin-bottom=\"0cm\"/></style:style></office:automatic-styles>"
-                       "<office:body><office:text>%1</office:text></office:body>")
-            .arg(lines));
+    const QByteArray spaced = lines(30, QStringLiteral("<style:paragraph-properties fo:margin-bottom=\"2cm\"/>"),
+                                    QStringLiteral("<style:paragraph-properties fo:margin-top=\"0cm\" fo:margin-bottom=\"0cm\"/>"), false);
     QTest::newRow("direct_spacing_over_spaced_style_docx") << QStringLiteral("docx") << spaced << QStringList{"line 30"} << QSize();
     // The same for a paragraph's own font: sixty small lines ran on over three pages in the
     // style's large one.
-    QString small;
-    for (int line = 1; line <= 60; ++line)
-        small += QStringLiteral("<text:p text:style-name=\"P1\">line %1</text:p>").arg(line);
-    const QByteArray sized = ZylTestDocuments::flatDocument(
-        QStringLiteral("<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\">"
-                       "<style:text-properties fo:font-size=\"24pt\"/></style:style></office:styles>"
-                       "<office:automatic-styles><style:style style:name=\"P1\" style:family=\"paragraph\" style:parent-style-name=\"Standard\">"
-                       "<style:text-properties fo:font-size=\"8pt\"/></style:style></office:automatic-styles>"
-                       "<office:body><office:text><table:table><table:table-column/><table:table-row><table:table-cell>%1"
-                       "</table:table-cell></table:table-row></table:table></office:text></office:body>")
-            .arg(small));
+    const QByteArray sized = lines(60, QStringLiteral("<style:text-properties fo:font-size=\"24pt\"/>"),
+                                   QStringLiteral("<style:text-properties fo:font-size=\"8pt\"/>"), true);
     QTest::newRow("direct_font_over_sized_style_doc") << QStringLiteral("doc") << sized << QStringList{"line 60"} << QSize();
     // An empty first paragraph was taken for the one inserted into and removed: the page below it
     // moved up and the last lines no longer ran over.
