@@ -86,6 +86,11 @@ QString ZylFilters::importFilterFor(const QString &path)
     return QString();
 }
 
+bool ZylFilters::isOpenDocument(const QString &path)
+{
+    return packageMediaType(path).startsWith("application/vnd.oasis.opendocument.text");
+}
+
 bool ZylFilters::isDocumentFilter(const QString &filterName)
 {
     if (filterName.isEmpty())

@@ -22,6 +22,9 @@ public:
     // Import filter to force for a path, or empty to let the office detect the type.
     static QString importFilterFor(const QString &path);
 
+    // Whether the file at path is an OpenDocument text package, by its content.
+    static bool isOpenDocument(const QString &path);
+
     // False for filters that read any bytes as plain text: such a "document" is not one.
     static bool isDocumentFilter(const QString &filterName);
 };

@@ -456,6 +456,12 @@ rtl::OUString ZylPageStyleImport::continuedStyle(const uno::Reference<text::XTex
     return continued;
 }
 
+void ZylPageStyleImport::setParagraphStyle(const uno::Reference<beans::XPropertySet> &paragraph,
+                                           const rtl::OUString &style)
+{
+    restyleParagraph(paragraph, style, directParagraphNames(paragraph));
+}
+
 bool ZylPageStyleImport::hasSides(const uno::Reference<text::XTextDocument> &document, const rtl::OUString &name)
 {
     const uno::Reference<container::XNameContainer> styles = pageStyles(document);
@@ -487,6 +493,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_firstNumber = 0;
     m_startsWithTable = false;
     m_endsHidden = false;
+    m_lastStyle = rtl::OUString();
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -615,10 +622,14 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     }
     const auto firstRenamed = renamed.find(first);
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
+    if (!uno::Reference<text::XTextTable>(elements.back(), uno::UNO_QUERY).is())
+        m_lastStyle = stringProperty(elements.back(), "ParaStyleName");
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
     if (renamed.empty() && !paragraphStylesKept && !leadingTable.is() && !hasDrawnObjects(source) && !hasChanges) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
+        if (!ZylFilters::isOpenDocument(path))
+            m_lastStyle = rtl::OUString();
         return true;
     }
     if (hasChanges)

@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
@@ -47,6 +48,13 @@ public:
     bool startsWithTable() const { return m_startsWithTable; }
     // Whether it ends in a hidden empty paragraph, as a cut leaves after a table that fills its page.
     bool endsHidden() const { return m_endsHidden; }
+    // The style of the inserted content's last paragraph, where the insertion loses it: an
+    // OpenDocument file's last paragraph joins the one inserted into and takes the style of the
+    // paragraph before it. Empty otherwise.
+    rtl::OUString lastParagraphStyle() const { return m_lastStyle; }
+    // Sets the paragraph's style and keeps the values the paragraph sets itself.
+    static void setParagraphStyle(const css::uno::Reference<css::beans::XPropertySet> &paragraph,
+                                  const rtl::OUString &style);
     // After the prepared copy was inserted into target: its tracked changes as in the source.
     void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
 
@@ -57,5 +65,6 @@ private:
     sal_Int16 m_firstNumber = 0;
     bool m_startsWithTable = false;
     bool m_endsHidden = false;
+    rtl::OUString m_lastStyle;
     ZylTrackedChanges m_changes;
 };

@@ -160,7 +160,8 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
             const LONG before = model.endPosition();
             const ZylTextModel::Insertion known{layout.firstPageStyle(), layout.firstPageNumber(),
-                                                layout.startsWithTable(), layout.endsHidden()};
+                                                layout.startsWithTable(), layout.endsHidden(),
+                                                layout.lastParagraphStyle()};
             HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), known)
                                         : model.insertFile(m_start, url);
             if (prepared && SUCCEEDED(inserted))

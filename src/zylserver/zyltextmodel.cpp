@@ -1121,6 +1121,17 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     // seems to begin at the content's end may be the content's last one.
     const bool endsInPictures = index >= 0 && after.elements[size_t(index)].length == 0
         && holdsCharacterPictures(after.elements[size_t(index)].content);
+    if (textArrived && index >= 0 && !endsInTable && !after.elements[size_t(index)].isTable
+        && !known.lastParagraphStyle.isEmpty()) {
+        uno::Reference<beans::XPropertySet> last(after.elements[size_t(index)].content, uno::UNO_QUERY);
+        touch(index, index + 1);
+        try {
+            if (last.is())
+                ZylPageStyleImport::setParagraphStyle(last, known.lastParagraphStyle);
+        } catch (const uno::Exception &) {
+            qCWarning(lcZylServer) << "the inserted content's last paragraph keeps the style it arrived with";
+        }
+    }
     if (index >= 0 && !after.elements[size_t(index)].isTable
         && (after.elements[size_t(index)].base != contentEnd || !textArrived || endsInTable || endsInPictures)) {
         const Element &e = after.elements[size_t(index)];

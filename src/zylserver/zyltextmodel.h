@@ -74,6 +74,8 @@ public:
         sal_Int16 firstNumber = 0;
         bool startsWithTable = false;
         bool endsHidden = false;
+        // The style its last paragraph must have, where the insertion loses it.
+        rtl::OUString lastParagraphStyle;
     };
     // Inserts the document at url; E_FAIL when nothing arrived.
     HRESULT insertFile(LONG position, const QString &url, const Insertion &known);

@@ -830,6 +830,15 @@ void tst_ZylServer::appendMadeDocument_data()
             .arg(tall));
     QTest::newRow("empty_first_paragraph_zyl") << QStringLiteral("zyl") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
     QTest::newRow("empty_first_paragraph_docx") << QStringLiteral("docx") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
+    // The last paragraph took the style of the one before it, and that style's spacing pushed it
+    // onto a page of its own. Its own default style makes it go in through a prepared copy.
+    const QByteArray lastStyled = ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:styles><style:style style:name=\"Standard\" style:family=\"paragraph\"><style:text-properties"
+        " fo:font-size=\"10pt\"/></style:style><style:style style:name=\"Low\" style:family=\"paragraph\">"
+        "<style:paragraph-properties fo:margin-top=\"20cm\"/></style:style><style:style style:name=\"Plain\""
+        " style:family=\"paragraph\" style:parent-style-name=\"Standard\"/></office:styles><office:body><office:text><text:p text:style-name=\"Low\">low</text:p>"
+        "<text:p text:style-name=\"Plain\">last</text:p></office:text></office:body>"));
+    QTest::newRow("last_paragraph_style_zyl") << QStringLiteral("zyl") << lastStyled << QStringList{"low last"} << QSize();
 }
 
 void tst_ZylServer::appendMadeDocument()
