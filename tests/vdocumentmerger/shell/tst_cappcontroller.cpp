@@ -10,6 +10,7 @@
 #include "fakemainwindow.h"
 #include "page/vmclientwidget.h"
 #include "shell/cappcontroller.h"
+#include "shell/hostservices.h"
 #include "shell/usageevents.h"
 #include "engine/vsmzylmerger.h"
 #include "fakezylserver.h"
@@ -69,7 +70,8 @@ class tst_CAppController : public QObject {
     Q_OBJECT
 
 private slots:
-    // Runs first: nothing has been initialised yet.
+    // These two run first: nothing has been initialised yet.
+    void hostServicesEmptyWithoutController();
     void createClientWidgetBeforeInitialize();
 
     void exportsResolveByPlainName();
@@ -77,9 +79,24 @@ private slots:
     void initializeRejects();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
     void destroyForgetsContainerAndSilencesEvents();
+    void hostServicesAnswer_data();
+    void hostServicesAnswer();
     void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
 };
+
+void tst_CAppController::hostServicesEmptyWithoutController()
+{
+    QVERIFY(!appController());
+    QVERIFY(!isLoggedIn());
+    QVERIFY(userId().isEmpty());
+    QVERIFY(startSource().isEmpty());
+    requestLogin();
+    // Usage events sent this early go nowhere and make no controller either.
+    sendUsageEvent(QStringLiteral("vas_wordmerge_show"), {});
+    sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
+    QVERIFY(!appController());
+}
 
 void tst_CAppController::createClientWidgetBeforeInitialize()
 {
@@ -184,6 +201,52 @@ void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
     sendUsageEvent(QStringLiteral("vas_wordmerge_export"), {});
     QCOMPARE(host.app.events().size(), 1);
     QVERIFY(Destroy());
+}
+
+void tst_CAppController::hostServicesAnswer_data()
+{
+    QTest::addColumn<bool>("initialized");
+    QTest::addColumn<bool>("withAccount");
+    QTest::addColumn<bool>("loggedIn");
+    QTest::addColumn<bool>("expectLoggedIn");
+    QTest::addColumn<QString>("expectUserId");
+    QTest::addColumn<QString>("expectSource");
+    QTest::addColumn<int>("expectLoginCalls");
+
+    QTest::newRow("controller_without_container") << false << true << true << false << "" << "" << 0;
+    QTest::newRow("container_without_account") << true << false << false << false << "" << "cmdline" << 0;
+    QTest::newRow("signed_out_asks_for_login") << true << true << false << false << "u-42" << "cmdline" << 1;
+    QTest::newRow("signed_in_no_login_call") << true << true << true << true << "u-42" << "cmdline" << 0;
+}
+
+void tst_CAppController::hostServicesAnswer()
+{
+    QFETCH(bool, initialized);
+    QFETCH(bool, withAccount);
+    QFETCH(bool, loggedIn);
+    QFETCH(bool, expectLoggedIn);
+    QFETCH(QString, expectUserId);
+    QFETCH(QString, expectSource);
+    QFETCH(int, expectLoginCalls);
+
+    FakeHost host;
+    host.account.setLoggedIn(loggedIn);
+    host.account.setUserId(QStringLiteral("u-42"));
+    if (!withAccount)
+        host.app.setAccount(nullptr);
+    host.app.setStartSource(QStringLiteral("cmdline"));
+    QVERIFY(CAppController::instance());
+    if (initialized)
+        QVERIFY(Initialize(&host.app));
+    auto forget = qScopeGuard([] { Destroy(); });
+
+    QCOMPARE(isLoggedIn(), expectLoggedIn);
+    QCOMPARE(userId(), expectUserId);
+    QCOMPARE(startSource(), expectSource);
+    requestLogin();
+    QCOMPARE(host.account.loginCalls().size(), expectLoginCalls);
+    if (expectLoginCalls > 0)
+        QVERIFY(host.account.loginCalls().constFirst().isEmpty());
 }
 
 void tst_CAppController::tempRootRemovedAtApplicationShutdown_data()
