@@ -12,6 +12,7 @@
 #include "shell/cappcontroller.h"
 #include "shell/hostservices.h"
 #include "shell/usageevents.h"
+#include "shell/vmcontentskindlg.h"
 #include "engine/vsmzylmerger.h"
 #include "fakezylserver.h"
 #include "shell/vmenv.h"
@@ -64,6 +65,20 @@ int runChildShutdown(int argc, char **argv, const QString &documents)
     return 0;
 }
 
+// Counts the restyles the base class is asked for, and still performs them.
+class CountingSkinDlg : public VMContentSkinDlg {
+public:
+    using VMContentSkinDlg::VMContentSkinDlg;
+    int restyles = 0;
+
+protected:
+    void changeStyle() override
+    {
+        ++restyles;
+        VMContentSkinDlg::changeStyle();
+    }
+};
+
 } // namespace
 
 class tst_CAppController : public QObject {
@@ -78,6 +93,7 @@ private slots:
     void initializeRejects_data();
     void initializeRejects();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
+    void skinReachesEveryOpenDialogOnly();
     void destroyForgetsContainerAndSilencesEvents();
     void hostServicesAnswer_data();
     void hostServicesAnswer();
@@ -181,6 +197,22 @@ void tst_CAppController::initializeTwiceSubscribesTwiceAndRelaysSkin()
     QCOMPARE(second.app.notify(QStringLiteral("SkinChanged"), {{QStringLiteral("skin"), QStringLiteral("dark")}}), 1);
     QCOMPARE(spy.count(), 1);
     QVERIFY(Destroy());
+}
+
+void tst_CAppController::skinReachesEveryOpenDialogOnly()
+{
+    InitializedHost host;
+    QPointer<CountingSkinDlg> closed = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
+    closed->show();
+    delete closed;
+    QWidget owner;
+    auto *first = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(0));
+    auto *second = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(3));
+    const int firstBefore = first->restyles;
+    const int secondBefore = second->restyles;
+    QCOMPARE(host.app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(first->restyles, firstBefore + 1);
+    QCOMPARE(second->restyles, secondBefore + 1);
 }
 
 void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
