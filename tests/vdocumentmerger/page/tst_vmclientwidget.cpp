@@ -1,10 +1,27 @@
+#include <QLabel>
+#include <QPointer>
 #include <QtTest>
 
+#include "engine/vmprogressdlg.h"
 #include "fakemainwindow.h"
 #include "host/liolite.h"
 #include "page/vmbottomoptionwidget.h"
 #include "page/vmclientwidget.h"
 
+namespace {
+
+// Stands in for the page, which the progress dialog tells of a cancel by slot name.
+class CancelReceiver : public QObject {
+    Q_OBJECT
+public:
+    int cancels = 0;
+public slots:
+    void onMergeCancel() { ++cancels; }
+};
+
+} // namespace
+
+// The add-on's client widget with its start button, and the progress dialog a merge shows.
 class tst_VMClientWidget : public QObject {
     Q_OBJECT
 
@@ -12,6 +29,8 @@ private slots:
     void startFollowsSelection_data();
     void startFollowsSelection();
     void showEventPostsOncePerShow();
+    void progressDialogShowAndClose_data();
+    void progressDialogShowAndClose();
 
 private:
     InitializedHost m_host;
@@ -71,6 +90,63 @@ void tst_VMClientWidget::showEventPostsOncePerShow()
         QCOMPARE(e.params.size(), 1);
         QCOMPARE(e.params.value(QStringLiteral("src")), QStringLiteral("desktop_menu"));
     }
+}
+
+void tst_VMClientWidget::progressDialogShowAndClose_data()
+{
+    QTest::addColumn<int>("totalPages");
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<bool>("withReceiver");
+    QTest::addColumn<int>("cancels");
+
+    QTest::newRow("999_pages_escape_cancels") << 999 << "escape" << true << 1;
+    QTest::newRow("1000_pages_cancel_button_cancels") << 1000 << "cancel_button" << true << 1;
+    QTest::newRow("accept_is_silent") << 1200 << "accept" << true << 0;
+    QTest::newRow("escape_without_receiver_only_closes") << 1200 << "escape" << false << 0;
+}
+
+void tst_VMClientWidget::progressDialogShowAndClose()
+{
+    QFETCH(int, totalPages);
+    QFETCH(QString, how);
+    QFETCH(bool, withReceiver);
+    QFETCH(int, cancels);
+    m_host.app.clearEvents();
+
+    QWidget page;
+    CancelReceiver receiver;
+    const QTime before = QTime::currentTime();
+    QPointer<VMProgressDlg> dialog =
+        VMProgressDlg::showMergeProgress(&page, withReceiver ? &receiver : nullptr, totalPages);
+    QVERIFY(QTest::qWaitForWindowExposed(dialog));
+    // The progress bar's content repeats the dialog's text line in a label of its own.
+    const QString text = totalPages < 1000
+        ? QStringLiteral("Merging, please wait...")
+        : QStringLiteral("Merging, the total number of merged pages is large, Please wait...");
+    bool textShown = false;
+    for (const QLabel *label : dialog->findChildren<QLabel *>())
+        textShown = textShown || (label->isVisible() && label->text() == text);
+    QVERIFY(textShown);
+    QVERIFY(dialog->showTime() >= before);
+
+    if (how == "escape")
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    else if (how == "cancel_button")
+        QTest::mouseClick(dialog->button(VLiteContentDlg::BtnCancel), Qt::LeftButton);
+    else
+        dialog->accept();
+
+    QTRY_VERIFY(dialog.isNull());
+    QCOMPARE(receiver.cancels, cancels);
+    QStringList expected{QStringLiteral("show")};
+    if (cancels)
+        expected << QStringLiteral("click_close");
+    QStringList actions;
+    for (const FakeAppContainer::Event &event : m_host.app.eventsNamed(QStringLiteral("vas_wordmerge_popup"))) {
+        QCOMPARE(event.params.value(QStringLiteral("type")), QStringLiteral("processing"));
+        actions << event.params.value(QStringLiteral("action"));
+    }
+    QCOMPARE(actions, expected);
 }
 
 QTEST_MAIN(tst_VMClientWidget)

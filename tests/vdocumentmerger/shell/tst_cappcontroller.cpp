@@ -10,7 +10,9 @@
 #include "fakemainwindow.h"
 #include "page/vmclientwidget.h"
 #include "shell/cappcontroller.h"
+#include "shell/hostservices.h"
 #include "shell/usageevents.h"
+#include "shell/vmcontentskindlg.h"
 #include "engine/vsmzylmerger.h"
 #include "fakezylserver.h"
 #include "shell/vmenv.h"
@@ -63,23 +65,54 @@ int runChildShutdown(int argc, char **argv, const QString &documents)
     return 0;
 }
 
+// Counts the restyles the base class is asked for, and still performs them.
+class CountingSkinDlg : public VMContentSkinDlg {
+public:
+    using VMContentSkinDlg::VMContentSkinDlg;
+    int restyles = 0;
+
+protected:
+    void changeStyle() override
+    {
+        ++restyles;
+        VMContentSkinDlg::changeStyle();
+    }
+};
+
 } // namespace
 
 class tst_CAppController : public QObject {
     Q_OBJECT
 
 private slots:
-    // Runs first: nothing has been initialised yet.
+    // These two run first: nothing has been initialised yet.
+    void hostServicesEmptyWithoutController();
     void createClientWidgetBeforeInitialize();
 
     void exportsResolveByPlainName();
     void initializeRejects_data();
     void initializeRejects();
     void initializeTwiceSubscribesTwiceAndRelaysSkin();
+    void skinReachesEveryOpenDialogOnly();
     void destroyForgetsContainerAndSilencesEvents();
+    void hostServicesAnswer_data();
+    void hostServicesAnswer();
     void tempRootRemovedAtApplicationShutdown_data();
     void tempRootRemovedAtApplicationShutdown();
 };
+
+void tst_CAppController::hostServicesEmptyWithoutController()
+{
+    QVERIFY(!appController());
+    QVERIFY(!isLoggedIn());
+    QVERIFY(userId().isEmpty());
+    QVERIFY(startSource().isEmpty());
+    requestLogin();
+    // Usage events sent this early go nowhere and make no controller either.
+    sendUsageEvent(QStringLiteral("vas_wordmerge_show"), {});
+    sendPopupEvent(QStringLiteral("fail"), QStringLiteral("show"));
+    QVERIFY(!appController());
+}
 
 void tst_CAppController::createClientWidgetBeforeInitialize()
 {
@@ -166,6 +199,22 @@ void tst_CAppController::initializeTwiceSubscribesTwiceAndRelaysSkin()
     QVERIFY(Destroy());
 }
 
+void tst_CAppController::skinReachesEveryOpenDialogOnly()
+{
+    InitializedHost host;
+    QPointer<CountingSkinDlg> closed = new CountingSkinDlg(nullptr, VLiteContentDlg::IconType(5));
+    closed->show();
+    delete closed;
+    QWidget owner;
+    auto *first = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(0));
+    auto *second = new CountingSkinDlg(&owner, VLiteContentDlg::IconType(3));
+    const int firstBefore = first->restyles;
+    const int secondBefore = second->restyles;
+    QCOMPARE(host.app.notify(QStringLiteral("SkinChanged"), QVariantMap()), 1);
+    QCOMPARE(first->restyles, firstBefore + 1);
+    QCOMPARE(second->restyles, secondBefore + 1);
+}
+
 void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
 {
     FakeHost host;
@@ -184,6 +233,52 @@ void tst_CAppController::destroyForgetsContainerAndSilencesEvents()
     sendUsageEvent(QStringLiteral("vas_wordmerge_export"), {});
     QCOMPARE(host.app.events().size(), 1);
     QVERIFY(Destroy());
+}
+
+void tst_CAppController::hostServicesAnswer_data()
+{
+    QTest::addColumn<bool>("initialized");
+    QTest::addColumn<bool>("withAccount");
+    QTest::addColumn<bool>("loggedIn");
+    QTest::addColumn<bool>("expectLoggedIn");
+    QTest::addColumn<QString>("expectUserId");
+    QTest::addColumn<QString>("expectSource");
+    QTest::addColumn<int>("expectLoginCalls");
+
+    QTest::newRow("controller_without_container") << false << true << true << false << "" << "" << 0;
+    QTest::newRow("container_without_account") << true << false << false << false << "" << "cmdline" << 0;
+    QTest::newRow("signed_out_asks_for_login") << true << true << false << false << "u-42" << "cmdline" << 1;
+    QTest::newRow("signed_in_no_login_call") << true << true << true << true << "u-42" << "cmdline" << 0;
+}
+
+void tst_CAppController::hostServicesAnswer()
+{
+    QFETCH(bool, initialized);
+    QFETCH(bool, withAccount);
+    QFETCH(bool, loggedIn);
+    QFETCH(bool, expectLoggedIn);
+    QFETCH(QString, expectUserId);
+    QFETCH(QString, expectSource);
+    QFETCH(int, expectLoginCalls);
+
+    FakeHost host;
+    host.account.setLoggedIn(loggedIn);
+    host.account.setUserId(QStringLiteral("u-42"));
+    if (!withAccount)
+        host.app.setAccount(nullptr);
+    host.app.setStartSource(QStringLiteral("cmdline"));
+    QVERIFY(CAppController::instance());
+    if (initialized)
+        QVERIFY(Initialize(&host.app));
+    auto forget = qScopeGuard([] { Destroy(); });
+
+    QCOMPARE(isLoggedIn(), expectLoggedIn);
+    QCOMPARE(userId(), expectUserId);
+    QCOMPARE(startSource(), expectSource);
+    requestLogin();
+    QCOMPARE(host.account.loginCalls().size(), expectLoginCalls);
+    if (expectLoginCalls > 0)
+        QVERIFY(host.account.loginCalls().constFirst().isEmpty());
 }
 
 void tst_CAppController::tempRootRemovedAtApplicationShutdown_data()

@@ -1,3 +1,4 @@
+#include <QAbstractEventDispatcher>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -29,6 +30,17 @@ bool textFits(QSpinBox *spinBox)
     return edit && edit->fontMetrics().horizontalAdvance(spinBox->text()) <= edit->width();
 }
 
+// Delivers one tick of the spinner's own timer, as the event loop would; gives the lit dot.
+int tick(VMItemLoadingWidget *spinner)
+{
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(spinner);
+    if (timers.size() != 1 || timers.first().interval != 300)
+        return -2; // no timer, or not the 300 ms one
+    QTimerEvent event(timers.first().timerId);
+    QCoreApplication::sendEvent(spinner, &event);
+    return spinner->litDot();
+}
+
 } // namespace
 
 class tst_VMFifleTableContentItem : public QObject {
@@ -41,6 +53,7 @@ private slots:
     void rangeRules_data();
     void rangeRules();
     void looks();
+    void loadingDotsStopWhenHiddenAndStartOverWhenShown();
     void names_data();
     void names();
     void wheelScrollsListNotSpinBox();
@@ -168,6 +181,30 @@ void tst_VMFifleTableContentItem::looks()
     QVERIFY(!m_row->isLoading());
     QVERIFY(name->isEnabled());
     QVERIFY(m_row->isReadSuccess());
+}
+
+void tst_VMFifleTableContentItem::loadingDotsStopWhenHiddenAndStartOverWhenShown()
+{
+    VMItemLoadingWidget spinner;
+    QVERIFY(!spinner.isRunning());
+    spinner.show();
+    QVERIFY(spinner.isRunning());
+    QCOMPARE(spinner.litDot(), -1);
+
+    // Four dots in turn, three ticks dark, then again.
+    const QVector<int> expected{0, 1, 2, 3, -1, -1, -1, 0, 1, 2, 3, -1, -1, -1, 0};
+    QVector<int> seen;
+    for (int i = 0; i < expected.size(); ++i)
+        seen << tick(&spinner);
+    QCOMPARE(seen, expected);
+
+    spinner.hide();
+    QVERIFY(!spinner.isRunning());
+    QVERIFY(QAbstractEventDispatcher::instance()->registeredTimers(&spinner).isEmpty());
+    spinner.show();
+    QVERIFY(spinner.isRunning());
+    QCOMPARE(spinner.litDot(), -1);
+    QCOMPARE(tick(&spinner), 0);
 }
 
 void tst_VMFifleTableContentItem::names_data()

@@ -26,6 +26,7 @@ private slots:
     void headerAndCounts();
     void sortOrders_data();
     void sortOrders();
+    void sortButtonIconFollowsClicks();
     void removalSignalsKeepRowReadable();
 };
 
@@ -239,6 +240,19 @@ void tst_VMFileTableWidget::sortOrders()
     for (const QString &name : order)
         expected << name << QStringLiteral("range");
     QCOMPARE(tabbed, expected);
+}
+
+// The orders each click gives are checked by sortOrders; here the arrow shown for each.
+void tst_VMFileTableWidget::sortButtonIconFollowsClicks()
+{
+    const auto image = [](const QIcon &icon) { return icon.pixmap(16, 16).toImage(); };
+    VMSortStateButton button;
+    const QStringList icons{"vmsort_button_asce;", "vmsort_button_desc;", "vmsort_button_normal;"};
+    for (int i = 0; i < 3; ++i) {
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QCOMPARE(image(button.icon()), image(VDrawHelper::loadIcon(icons.at(i))));
+    }
+    QCOMPARE(button.sortState(), 0);
 }
 
 void tst_VMFileTableWidget::removalSignalsKeepRowReadable()
