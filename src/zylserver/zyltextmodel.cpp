@@ -39,6 +39,7 @@
 
 #include "zyllog.h"
 #include "zylpagestyleimport.h"
+#include "zyltablerows.h"
 #include "zylreferences.h"
 #include "zyluno.h"
 
@@ -624,11 +625,7 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
     if (cell.is())
         cell->getPropertyValue(ou("CellName")) >>= cellName;
     const Element &e = l.elements[size_t(index)];
-    if (cellName == ou("A1") && !inRepeatedHeading) {
-        *position = e.base + 1;
-        return S_OK;
-    }
-    // The first row that begins on this page; a row split over pages belongs to the earlier one.
+    const int base = e.base;
     uno::Reference<table::XCellRange> cells(table, uno::UNO_QUERY_THROW);
     auto rowPage = [&](int row) -> int {
         try {
@@ -643,6 +640,11 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
             return -1;
         }
     };
+    if (cellName == ou("A1") && !inRepeatedHeading && rowPage(0) >= layoutPage) {
+        *position = base + 1;
+        return S_OK;
+    }
+    // The first row that begins on this page.
     int lo = 1;
     int hi = e.rows; // e.rows: no row of the table begins on this page
     while (lo < hi) {
@@ -657,7 +659,15 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
         else
             lo = mid + 1;
     }
-    *position = e.base + lo + 1;
+    // The row before it may run onto this page: split where the page begins, the page starts with
+    // its second part.
+    if (lo - 1 >= headingRows(e)) {
+        OwnEdit own(*this);
+        UndoContext undo(m_document, "Split row");
+        touch(index, index + 1);
+        ZylTableRows::splitAtPage(model->getCurrentController(), table, lo - 1, layoutPage);
+    }
+    *position = base + lo + 1;
     return S_OK;
 }
 
@@ -1160,14 +1170,15 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     if (!firstPageStyle.isEmpty() && first >= 0 && before.elements[size_t(first)].base == point) {
         // The .doc format keeps no page style on a table that does not change it: in the style of
         // the page before, a break starts the table's page.
-        const bool breakOnly = known.startsWithTable && dropParagraphBeforeTable(first, firstPageStyle)
+        int start = first;
+        const bool breakOnly = known.startsWithTable && dropParagraphBeforeTable(first, firstPageStyle, &start)
             && known.firstNumber == 0;
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
         // attributes: name the style on whatever now starts at the insertion point.
         const Layout now = layout();
-        if (size_t(first) < now.elements.size()) {
-            uno::Reference<beans::XPropertySet> props(now.elements[size_t(first)].content, uno::UNO_QUERY);
-            touch(first, first + 1);
+        if (size_t(start) < now.elements.size()) {
+            uno::Reference<beans::XPropertySet> props(now.elements[size_t(start)].content, uno::UNO_QUERY);
+            touch(start, start + 1);
             if (props.is() && breakOnly) {
                 props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
             } else if (props.is()) {
@@ -1188,25 +1199,34 @@ int ZylTextModel::drawnObjects()
     return supplier.is() ? int(supplier->getDrawPage()->getCount()) : 0;
 }
 
-bool ZylTextModel::dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle)
+bool ZylTextModel::dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle, int *tableIndex)
 {
     // The empty paragraph inserted into stays ahead of a table that starts the content and takes a
-    // line at the top of the page: the table starts the page itself. Not behind another table,
-    // which it would join in the Word formats.
+    // line at the top of the page: the table starts the page itself. Behind another table, which
+    // it would join in the Word formats, the paragraph stays, hidden, at the end of the page before.
+    *tableIndex = index;
     const Layout now = layout();
     if (index < 1 || size_t(index) + 1 >= now.elements.size())
         return false;
     const Element &empty = now.elements[size_t(index)];
     const Element &before = now.elements[size_t(index) - 1];
     uno::Reference<lang::XComponent> component(empty.content, uno::UNO_QUERY);
+    uno::Reference<beans::XPropertySet> paragraph(empty.content, uno::UNO_QUERY);
     uno::Reference<beans::XPropertySet> previous(before.content, uno::UNO_QUERY);
-    if (empty.isTable || empty.length != 0 || !now.elements[size_t(index) + 1].isTable || before.isTable
-        || holdsCharacterPictures(empty.content) || !component.is() || !previous.is())
+    if (empty.isTable || empty.length != 0 || !now.elements[size_t(index) + 1].isTable
+        || holdsCharacterPictures(empty.content) || !component.is() || !paragraph.is() || !previous.is())
         return false;
     rtl::OUString previousStyle;
     previous->getPropertyValue(ou("PageStyleName")) >>= previousStyle;
     touch(index, index + 1);
-    component->dispose();
+    if (before.isTable) {
+        paragraph->setPropertyValue(ou("PageDescName"), uno::Any(rtl::OUString()));
+        paragraph->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+        paragraph->setPropertyValue(ou("CharHidden"), uno::Any(true));
+        *tableIndex = index + 1;
+    } else {
+        component->dispose();
+    }
     return previousStyle == pageStyle;
 }
 

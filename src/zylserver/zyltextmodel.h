@@ -172,9 +172,11 @@ private:
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
-    // Removes the empty paragraph an insertion at `point` left ahead of the inserted content.
-    // Whether the table now starts a page of the same style as the page before.
-    bool dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle);
+    // Removes the empty paragraph at index that an insertion left ahead of inserted content that
+    // starts with a table, or hides it behind another table. Sets *tableIndex to the element that
+    // now starts the content; returns whether that table starts a page of the same style as the
+    // page before.
+    bool dropParagraphBeforeTable(int index, const rtl::OUString &pageStyle, int *tableIndex);
     void joinEmptyInsertionParagraph(const Layout &before, int point, bool openDocument);
     // Shows again the empty last paragraph that a cut to the end hid after a table, when point
     // lies in it; true when it did.

@@ -596,6 +596,10 @@ void tst_ZylServer::deleteThroughSplitTable_data()
     const QVector<Page> headed = {{"front", Page::HeadedTable, 130}, {"after", Page::Text, 0}};
     QTest::newRow("middle_page_of_headed_table_removed") << "headed3.docx" << headed << 2 << 2;
     QTest::newRow("first_page_of_headed_table_removed_heading_stays") << "headed3.zyl" << headed << 1 << 1;
+    // A row that runs over pages is cut where they break, in each of its cells.
+    const QVector<Page> tall = {{"cover", Page::Text, 0}, {"lead", Page::TallRow, 70}, {"after", Page::Text, 0}};
+    QTest::newRow("first_page_of_tall_row_removed") << "tall.zyl" << tall << 2 << 2;
+    QTest::newRow("second_page_of_tall_row_removed") << "tall.doc" << tall << 3 << 3;
 }
 
 void tst_ZylServer::deleteThroughSplitTable()
@@ -1029,8 +1033,9 @@ void tst_ZylServer::fullPageTable()
 
     const QString target = workCopy(m_one, QStringLiteral("full-table-target.docx"));
     const QString merged = m_dir.filePath(QStringLiteral("full-table-merged.") + suffix);
-    QCOMPARE(edited(target, appending({whole, source}), merged), 4);
-    QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList({"target one", "one", "two three", "one"}));
+    // Behind the cut copy the table follows a table: the paragraph between them took a line.
+    QCOMPARE(edited(target, appending({whole, source, whole}), merged), 6);
+    QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList({"target one", "one", "two three", "one", "one", "two three"}));
 
     // Behind a page of its own style, the table is not left to its style to start the page.
     const QString same = workCopy(whole, QStringLiteral("full-table-same.") + suffix);

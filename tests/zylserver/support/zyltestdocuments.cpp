@@ -153,6 +153,15 @@ QByteArray ZylTestDocuments::flatDocument(const QVector<Page> &pages)
                             .arg(r + 1).arg(page.text.toHtmlEscaped());
             }
             body += QStringLiteral("</table:table>");
+        } else if (page.kind == Page::TallRow) {
+            body += QStringLiteral("<table:table table:name=\"Table%1\" table:style-name=\"TN\">"
+                                   "<table:table-column table:number-columns-repeated=\"2\"/><table:table-row>"
+                                   "<table:table-cell office:value-type=\"string\"><text:p>tall</text:p></table:table-cell>"
+                                   "<table:table-cell office:value-type=\"string\">")
+                        .arg(++tables);
+            for (int line = 1; line <= page.tableRows; ++line)
+                body += QStringLiteral("<text:p>row line %1</text:p>").arg(line);
+            body += QStringLiteral("</table:table-cell></table:table-row></table:table>");
         }
     }
 

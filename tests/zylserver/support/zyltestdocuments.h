@@ -23,8 +23,10 @@ public:
             LongTable,  // the text, then a table of tableRows rows that runs on over the next pages
             RightPage,  // the text on a page that must be a right-hand one: where it would fall on a
                         // left-hand page the office puts a blank page before it
-            HeadedTable // like LongTable, under a heading row ("number", "heading") that the office
-                        // repeats at the top of every page the table runs on to
+            HeadedTable, // like LongTable, under a heading row ("number", "heading") that the office
+                         // repeats at the top of every page the table runs on to
+            TallRow     // the text, then a table of one row whose second cell holds tableRows
+                        // paragraphs "row line N" and runs on over the next pages
         };
         QString text;
         Kind kind = Text;
