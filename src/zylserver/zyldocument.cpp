@@ -163,7 +163,7 @@ HRESULT ZylDocument::invokeMember(int id, const Args &args, VARIANT *result)
             qCInfo(lcZylServer) << "no format to save" << path << "as (code" << format << ")";
             return E_INVALIDARG;
         }
-        return withDocument("SaveAs2", [&](ZylTextModel &) { return saveAs(path, filter); });
+        return withDocument("SaveAs2", [&](ZylTextModel &model) { return saveAs(model, path, filter); });
     }
     case Undo: {
         LONG count = 1;
@@ -309,7 +309,7 @@ HRESULT ZylDocument::save(ZylTextModel &model)
     const QString filter = ZylFilters::exportFilter(false, 0, m_path, m_loadFilter);
     if (filter.isEmpty())
         return E_INVALIDARG;
-    const HRESULT hr = storeAtomically(m_path, filter, true);
+    const HRESULT hr = storeAtomically(model, m_path, filter, true);
     if (SUCCEEDED(hr)) {
         uno::Reference<util::XModifiable> modifiable(m_document, uno::UNO_QUERY);
         if (modifiable.is())
@@ -320,14 +320,14 @@ HRESULT ZylDocument::save(ZylTextModel &model)
     return hr;
 }
 
-HRESULT ZylDocument::saveAs(const QString &path, const QString &filter)
+HRESULT ZylDocument::saveAs(ZylTextModel &model, const QString &path, const QString &filter)
 {
     const QFileInfo target(path);
     if (target.exists() || target.isSymLink()) {
         qCInfo(lcZylServer) << "will not overwrite" << path;
         return E_ACCESSDENIED;
     }
-    return storeAtomically(target.absoluteFilePath(), filter, false);
+    return storeAtomically(model, target.absoluteFilePath(), filter, false);
 }
 
 namespace {
@@ -351,8 +351,11 @@ mode_t newFileMode()
 
 } // namespace
 
-HRESULT ZylDocument::storeAtomically(const QString &target, const QString &filter, bool mayReplace)
+HRESULT ZylDocument::storeAtomically(ZylTextModel &model, const QString &target, const QString &filter,
+                                     bool mayReplace)
 {
+    if (filter == QLatin1String("MS Word 97"))
+        model.fixEmptyParagraphFonts();
     const QFileInfo info(target);
     if (!info.absoluteDir().exists())
         return E_INVALIDARG;

@@ -35,8 +35,8 @@ private:
     HRESULT withDocument(const char *what, const std::function<HRESULT(ZylTextModel &)> &work);
     int protection();
     HRESULT save(ZylTextModel &model);
-    HRESULT saveAs(const QString &path, const QString &filter);
-    HRESULT storeAtomically(const QString &target, const QString &filter, bool mayReplace);
+    HRESULT saveAs(ZylTextModel &model, const QString &path, const QString &filter);
+    HRESULT storeAtomically(ZylTextModel &model, const QString &target, const QString &filter, bool mayReplace);
     HRESULT undo(int count);
 
     std::shared_ptr<ZylSession> m_session;

@@ -8,7 +8,9 @@
 #include <unordered_map>
 
 #include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/beans/XPropertyState.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
 #include <com/sun/star/document/XDocumentInsertable.hpp>
@@ -262,6 +264,38 @@ void ZylTextModel::touch(int first, int last)
     }
     // Pages before the one the element ahead of the change ends on stay as they are.
     m_pagesAnchor = m_printedValid ? std::min(m_pagesAnchor, first - 1) : -1;
+}
+
+void ZylTextModel::fixEmptyParagraphFonts()
+{
+    static const std::vector<rtl::OUString> names = {ou("CharHeight"), ou("CharHeightAsian"), ou("CharHeightComplex"),
+                                                     ou("CharWeight"), ou("CharPosture"), ou("CharFontName")};
+    const uno::Sequence<rtl::OUString> all(names.data(), sal_Int32(names.size()));
+    const Layout &l = layout();
+    OwnEdit own(*this);
+    for (const Element &e : l.elements) {
+        uno::Reference<beans::XPropertyState> states(e.content, uno::UNO_QUERY);
+        uno::Reference<beans::XMultiPropertySet> values(e.content, uno::UNO_QUERY);
+        if (e.isTable || e.length != 0 || !states.is() || !values.is())
+            continue;
+        try {
+            const uno::Sequence<beans::PropertyState> found = states->getPropertyStates(all);
+            const uno::Sequence<uno::Any> current = values->getPropertyValues(all);
+            std::vector<rtl::OUString> unset;
+            std::vector<uno::Any> shown;
+            for (sal_Int32 i = 0; i < found.getLength(); ++i) {
+                if (found[i] != beans::PropertyState_DIRECT_VALUE) {
+                    unset.push_back(all[i]);
+                    shown.push_back(current[i]);
+                }
+            }
+            if (!unset.empty())
+                values->setPropertyValues(uno::Sequence<rtl::OUString>(unset.data(), sal_Int32(unset.size())),
+                                          uno::Sequence<uno::Any>(shown.data(), sal_Int32(shown.size())));
+        } catch (const uno::Exception &) {
+            // It keeps what its style gives it.
+        }
+    }
 }
 
 int ZylTextModel::pageCount()

@@ -56,6 +56,9 @@ public:
     // Pages as the office prints them now: the blank pages it adds to give a page the parity its
     // number or style asks for are left out, as they are in its own PDF export.
     int pageCount();
+    // The .doc export writes an empty paragraph whose font its style gives with the font of the
+    // empty paragraph before it: each one's font is set on it, as it shows, before such a save.
+    void fixEmptyParagraphFonts();
     // Position where the page begins; E_INVALIDARG when there is no such page.
     HRESULT pageStart(int page, LONG *position);
     LONG endPosition();

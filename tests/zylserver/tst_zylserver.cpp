@@ -189,6 +189,7 @@ private slots:
     void fullPageTable_data();
     void fullPageTable();
     void leadingTableInTargetStyle();
+    void docKeepsEmptyParagraphFonts();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
     void saveAsFormats_data();
@@ -1052,6 +1053,22 @@ void tst_ZylServer::leadingTableInTargetStyle()
     const QString merged = m_dir.filePath(QStringLiteral("table-first-merged.doc"));
     QCOMPARE(edited(workCopy(m_one, QStringLiteral("table-first-target.docx")), appending({source}), merged), 2);
     QCOMPARE(ZylTestDocuments::pageTexts(merged).size(), 2);
+}
+
+void tst_ZylServer::docKeepsEmptyParagraphFonts()
+{
+    // Saved as .doc, an empty paragraph took the size of the empty one before it: pairs of a tall
+    // and a plain empty paragraph ran on over a second page.
+    QString body;
+    for (int pair = 0; pair < 6; ++pair)
+        body += QStringLiteral("<text:p text:style-name=\"Tall\"/><text:p/>");
+    const QString source = fromFlat(QStringLiteral("empty-fonts.zyl"), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:style style:name=\"Tall\" style:family=\"paragraph\"><style:text-properties"
+        " fo:font-size=\"72pt\"/></style:style></office:automatic-styles><office:body><office:text>%1"
+        "<text:p>end</text:p></office:text></office:body>").arg(body)));
+    const QString saved = m_dir.filePath(QStringLiteral("empty-fonts.doc"));
+    QCOMPARE(edited(source, [](IDispatch *) { return S_OK; }, saved), 1);
+    QCOMPARE(pageCount(saved), 1);
 }
 
 void tst_ZylServer::editsMatchFreshReading_data()
