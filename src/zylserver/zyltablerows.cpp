@@ -5,7 +5,6 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
-#include <com/sun/star/style/ParagraphAdjust.hpp>
 #include <com/sun/star/datatransfer/XTransferableSupplier.hpp>
 #include <com/sun/star/table/XCell.hpp>
 #include <com/sun/star/table/XTableRows.hpp>
@@ -19,6 +18,7 @@
 #include <com/sun/star/view/XViewCursor.hpp>
 
 #include "zyllog.h"
+#include "zylsplitparagraph.h"
 #include "zyluno.h"
 
 using namespace css;
@@ -76,23 +76,6 @@ uno::Reference<beans::XPropertySet> paragraphAt(const uno::Reference<text::XText
     return found;
 }
 
-// A paragraph split in two lays out as one that runs on over the page: no spacing and no number
-// where it breaks, and a justified last line on the page before.
-void joinLooks(const uno::Reference<beans::XPropertySet> &before, const uno::Reference<beans::XPropertySet> &after)
-{
-    before->setPropertyValue(ou("ParaBottomMargin"), uno::Any(sal_Int32(0)));
-    style::ParagraphAdjust adjust = style::ParagraphAdjust_LEFT;
-    before->getPropertyValue(ou("ParaAdjust")) >>= adjust;
-    if (adjust == style::ParagraphAdjust_BLOCK)
-        before->setPropertyValue(ou("ParaLastLineAdjust"), uno::Any(sal_Int16(style::ParagraphAdjust_BLOCK)));
-    after->setPropertyValue(ou("ParaTopMargin"), uno::Any(sal_Int32(0)));
-    after->setPropertyValue(ou("ParaFirstLineIndent"), uno::Any(sal_Int32(0)));
-    uno::Reference<uno::XInterface> rules;
-    after->getPropertyValue(ou("NumberingRules")) >>= rules;
-    if (rules.is())
-        after->setPropertyValue(ou("NumberingIsNumber"), uno::Any(false));
-}
-
 // Moves the text of from that begins at split into the empty cell text to, formatting and all.
 void moveText(const uno::Reference<frame::XController> &controller, const uno::Reference<text::XText> &from,
               const uno::Reference<text::XTextRange> &split, const uno::Reference<text::XText> &to)
@@ -114,8 +97,10 @@ void moveText(const uno::Reference<frame::XController> &controller, const uno::R
         gone->goLeft(1, false);
     gone->gotoEnd(true);
     gone->setString(rtl::OUString());
-    if (inParagraph)
-        joinLooks(paragraphAt(from, true), paragraphAt(to, false));
+    if (inParagraph) {
+        ZylSplitParagraph::endAtBreak(paragraphAt(from, true));
+        ZylSplitParagraph::continueAfterBreak(paragraphAt(to, false));
+    }
 }
 
 } // namespace

@@ -41,6 +41,7 @@
 
 #include "zyllog.h"
 #include "zylpagestyleimport.h"
+#include "zylsplitparagraph.h"
 #include "zyltablerows.h"
 #include "zylreferences.h"
 #include "zyluno.h"
@@ -748,6 +749,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
+        keepDividedLooks(cut);
         references.keepOrphanedTexts();
         return S_OK;
     }
@@ -770,8 +772,32 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     }
     if (kept.valid)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
+    keepDividedLooks(cut);
     references.keepOrphanedTexts();
     return S_OK;
+}
+
+void ZylTextModel::keepDividedLooks(const Cut &cut)
+{
+    // A cut where a page begins inside a paragraph keeps the part of it on the pages that stay.
+    const Layout after = layout();
+    const auto paragraphAt = [&](int point) -> uno::Reference<beans::XPropertySet> {
+        const int index = elementAt(after, point);
+        if (index < 0 || after.elements[size_t(index)].isTable)
+            return nullptr;
+        touch(index, index + 1);
+        return uno::Reference<beans::XPropertySet>(after.elements[size_t(index)].content, uno::UNO_QUERY);
+    };
+    if (cut.end == CutEnd::Text && (cut.fromVirtualMark || cut.start == CutEnd::Boundary)) {
+        const auto rest = paragraphAt(cut.fromVirtualMark ? 0 : cut.rs);
+        if (rest.is())
+            ZylSplitParagraph::continueAfterBreak(rest);
+    }
+    if (cut.start == CutEnd::Text && cut.end == CutEnd::BodyEnd && cut.rs > 0) {
+        const auto head = paragraphAt(cut.rs - 1);
+        if (head.is())
+            ZylSplitParagraph::endAtBreak(head);
+    }
 }
 
 int ZylTextModel::printedNumberAt(const Element &e)

@@ -964,6 +964,17 @@ void tst_ZylServer::cutFirstPage_data()
         " <text:sequence-ref text:reference-format=\"value\" text:ref-name=\"refFigure0\">1</text:sequence-ref> and"
         " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>"))
         << QStringList({"second words see first words, 1, 1 and second words"});
+    // The part of a paragraph that runs on to the page that stays took the paragraph's spacing
+    // above it again and pushed the page's last lines over. Empty texts: the pages as they were.
+    QStringList lines;
+    for (int line = 1; line <= 90; ++line)
+        lines << QStringLiteral("line %1").arg(line);
+    const QString run = lines.mid(0, 60).join(QStringLiteral("<text:line-break/>")) + QStringLiteral("</text:p><text:p>")
+        + lines.mid(60).join(QStringLiteral("<text:line-break/>"));
+    QTest::newRow("paragraph_run_on_from_cut_page_docx") << QStringLiteral("docx") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:style style:name=\"S\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:margin-top=\"5cm\"/></style:style></office:automatic-styles><office:body><office:text>"
+        "<text:p text:style-name=\"S\">%1</text:p></office:text></office:body>").arg(run)) << QStringList();
 }
 
 void tst_ZylServer::cutFirstPage()
@@ -973,6 +984,8 @@ void tst_ZylServer::cutFirstPage()
     QFETCH(QStringList, texts);
     const QString path = fromFlat(QStringLiteral("cut-first-%1.%2").arg(QTest::currentDataTag(), suffix), flat);
     QVERIFY(!path.isEmpty());
+    if (texts.isEmpty())
+        texts = ZylTestDocuments::pageTexts(path).mid(1);
     QCOMPARE(edited(path, cutting(1, 1)), texts.size());
     QCOMPARE(ZylTestDocuments::pageTexts(path), texts);
 }
