@@ -749,7 +749,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
-        keepDividedLooks(cut);
+        keepDividedLooks(cut, kept);
         references.keepOrphanedTexts();
         return S_OK;
     }
@@ -772,12 +772,12 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     }
     if (kept.valid)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
-    keepDividedLooks(cut);
+    keepDividedLooks(cut, kept);
     references.keepOrphanedTexts();
     return S_OK;
 }
 
-void ZylTextModel::keepDividedLooks(const Cut &cut)
+void ZylTextModel::keepDividedLooks(const Cut &cut, const BreakState &kept)
 {
     // A cut where a page begins inside a paragraph keeps the part of it on the pages that stay.
     const Layout after = layout();
@@ -792,11 +792,32 @@ void ZylTextModel::keepDividedLooks(const Cut &cut)
         const auto rest = paragraphAt(cut.fromVirtualMark ? 0 : cut.rs);
         if (rest.is())
             ZylSplitParagraph::continueAfterBreak(rest);
+    } else if (kept.valid && kept.breakType == style::BreakType_NONE && kept.pageDesc.isEmpty()
+               && !spacingAtPageTops()) {
+        // A paragraph that began its page where the text ran over had no spacing above it there,
+        // where the document follows the Word formats' rule; first in the body, it would.
+        const auto first = paragraphAt(0);
+        if (first.is())
+            first->setPropertyValue(ou("ParaTopMargin"), uno::Any(sal_Int32(0)));
     }
     if (cut.start == CutEnd::Text && cut.end == CutEnd::BodyEnd && cut.rs > 0) {
         const auto head = paragraphAt(cut.rs - 1);
         if (head.is())
             ZylSplitParagraph::endAtBreak(head);
+    }
+}
+
+bool ZylTextModel::spacingAtPageTops()
+{
+    try {
+        uno::Reference<lang::XMultiServiceFactory> factory(m_document, uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
+                                                     uno::UNO_QUERY_THROW);
+        bool adds = true;
+        settings->getPropertyValue(ou("AddParaTableSpacing")) >>= adds;
+        return adds;
+    } catch (const uno::Exception &) {
+        return true;
     }
 }
 

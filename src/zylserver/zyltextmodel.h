@@ -166,8 +166,11 @@ private:
     static void cutTableRows(const Layout &l, const Cut &cut);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
-    // The parts of paragraphs that a cut divided where a page begins keep their look on that page.
-    void keepDividedLooks(const Cut &cut);
+    // The parts of paragraphs that a cut divided where a page begins keep their look on that page;
+    // so does the paragraph that begins the body after a cut from its start, kept as it was before.
+    void keepDividedLooks(const Cut &cut, const BreakState &kept);
+    // Whether paragraphs take their spacing above them at the top of a page the text ran over to.
+    bool spacingAtPageTops();
     // After a cut from the body's start, e starts the body: its page keeps the number given (0:
     // none) and, where it went on in a run of pages, the look of a page that does not start the run.
     void keepFirstPage(const Element &e, const BreakState &before, int number);

@@ -965,16 +965,28 @@ void tst_ZylServer::cutFirstPage_data()
         " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>"))
         << QStringList({"second words see first words, 1, 1 and second words"});
     // The part of a paragraph that runs on to the page that stays took the paragraph's spacing
-    // above it again and pushed the page's last lines over. Empty texts: the pages as they were.
-    QStringList lines;
-    for (int line = 1; line <= 90; ++line)
-        lines << QStringLiteral("line %1").arg(line);
-    const QString run = lines.mid(0, 60).join(QStringLiteral("<text:line-break/>")) + QStringLiteral("</text:p><text:p>")
-        + lines.mid(60).join(QStringLiteral("<text:line-break/>"));
-    QTest::newRow("paragraph_run_on_from_cut_page_docx") << QStringLiteral("docx") << ZylTestDocuments::flatDocument(QStringLiteral(
-        "<office:automatic-styles><style:style style:name=\"S\" style:family=\"paragraph\"><style:paragraph-properties"
-        " fo:margin-top=\"5cm\"/></style:style></office:automatic-styles><office:body><office:text>"
-        "<text:p text:style-name=\"S\">%1</text:p></office:text></office:body>").arg(run)) << QStringList();
+    // above it again and pushed the page's last lines over; so did a paragraph that the text
+    // pushed to the top of that page, where the Word formats give it no such spacing. Empty
+    // texts: the pages as they were.
+    const auto lines = [](int from, int to) {
+        QStringList all;
+        for (int line = from; line <= to; ++line)
+            all << QStringLiteral("line %1").arg(line);
+        return all.join(QStringLiteral("<text:line-break/>"));
+    };
+    const auto spaced = [](const QString &body) {
+        return ZylTestDocuments::flatDocument(QStringLiteral(
+            "<office:styles><style:style style:name=\"S\" style:family=\"paragraph\"><style:paragraph-properties"
+            " fo:margin-top=\"5cm\"/></style:style></office:styles><office:automatic-styles><style:style"
+            " style:name=\"K\" style:family=\"paragraph\"><style:paragraph-properties fo:margin-top=\"5cm\""
+            " fo:keep-together=\"always\"/></style:style></office:automatic-styles>"
+            "<office:body><office:text>%1</office:text></office:body>").arg(body));
+    };
+    QTest::newRow("paragraph_run_on_from_cut_page_docx") << QStringLiteral("docx") << spaced(QStringLiteral(
+        "<text:p text:style-name=\"S\">%1</text:p><text:p>%2</text:p>").arg(lines(1, 60), lines(61, 90))) << QStringList();
+    QTest::newRow("paragraph_pushed_to_page_top_docx") << QStringLiteral("docx") << spaced(QStringLiteral(
+        "<text:p>%1</text:p><text:p text:style-name=\"K\">%2</text:p><text:p>%3</text:p>").arg(lines(1, 40), lines(41, 70), lines(71, 88)))
+        << QStringList();
 }
 
 void tst_ZylServer::cutFirstPage()
@@ -988,6 +1000,10 @@ void tst_ZylServer::cutFirstPage()
         texts = ZylTestDocuments::pageTexts(path).mid(1);
     QCOMPARE(edited(path, cutting(1, 1)), texts.size());
     QCOMPARE(ZylTestDocuments::pageTexts(path), texts);
+    // Behind another document, after the break that starts the copy's first page, as well.
+    const QString merged = m_dir.filePath(QStringLiteral("cut-first-merged-%1.docx").arg(QTest::currentDataTag()));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("cut-first-target.docx")), appending({path}), merged), 1 + texts.size());
+    QCOMPARE(ZylTestDocuments::pageTexts(merged), QStringList{"target one"} + texts);
 }
 
 void tst_ZylServer::appendTakesTheFileAsItIs_data()
