@@ -283,7 +283,13 @@ void restyleParagraph(const uno::Reference<beans::XPropertySet> &paragraph, cons
     uno::Sequence<uno::Any> values;
     if (!names.empty() && !bulkValues(paragraph, names, &values))
         names.clear();
+    // A paragraph taken out of its style's list stays out of it; one in a list keeps its place.
+    bool outOfList = false;
+    if (states.is() && states->getPropertyState(ou("NumberingStyleName")) == beans::PropertyState_DIRECT_VALUE)
+        outOfList = stringProperty(paragraph, "NumberingStyleName").isEmpty();
     paragraph->setPropertyValue(ou("ParaStyleName"), uno::Any(style));
+    if (outOfList)
+        paragraph->setPropertyValue(ou("NumberingStyleName"), uno::Any(rtl::OUString()));
     if (names.empty())
         return;
     try {

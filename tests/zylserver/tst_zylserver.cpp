@@ -136,6 +136,26 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
 }
 
+// Writes a zip package of entries, in their order, at path.
+bool zipPackage(const QString &path, const QList<QPair<QString, QByteArray>> &entries)
+{
+    QTemporaryDir folder;
+    QFile::remove(path);
+    for (const auto &entry : entries) {
+        QDir(folder.path()).mkpath(QFileInfo(entry.first).path());
+        if (!writeFile(folder.filePath(entry.first), entry.second))
+            return false;
+        // A media type comes first and uncompressed, where readers look for it.
+        const QStringList how = entry.first == QLatin1String("mimetype") ? QStringList{"-X", "-0", "-q"} : QStringList{"-X", "-q"};
+        QProcess zip;
+        zip.setWorkingDirectory(folder.path());
+        zip.start(QStringLiteral("zip"), how + QStringList{path, entry.first});
+        if (!zip.waitForFinished(30000) || zip.exitCode() != 0)
+            return false;
+    }
+    return true;
+}
+
 // What the file holds; empty when it cannot be read.
 QByteArray contents(const QString &path)
 {
@@ -844,6 +864,31 @@ void tst_ZylServer::appendMadeDocument_data()
         " style:family=\"paragraph\" style:parent-style-name=\"Standard\"/></office:styles><office:body><office:text><text:p text:style-name=\"Low\">low</text:p>"
         "<text:p text:style-name=\"Plain\">last</text:p></office:text></office:body>"));
     QTest::newRow("last_paragraph_style_zyl") << QStringLiteral("zyl") << lastStyled << QStringList{"low last"} << QSize();
+    // Given its style again, a last paragraph taken out of its style's list got a number.
+    const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
+    const QByteArray rels = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+    const QString outOfList = m_dir.filePath(QStringLiteral("out-of-list.docx"));
+    zipPackage(outOfList, {
+        {QStringLiteral("[Content_Types].xml"),
+         "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default Extension=\"rels\""
+         " ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/><Default Extension=\"xml\""
+         " ContentType=\"application/xml\"/><Override PartName=\"/word/document.xml\""
+         " ContentType=\"application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml\"/></Types>"},
+        {QStringLiteral("_rels/.rels"), "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+         "<Relationship Id=\"d\" Type=\"" + rels + "officeDocument\" Target=\"word/document.xml\"/></Relationships>"},
+        {QStringLiteral("word/_rels/document.xml.rels"), "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+         "<Relationship Id=\"s\" Type=\"" + rels + "styles\" Target=\"styles.xml\"/><Relationship Id=\"n\" Type=\"" + rels
+         + "numbering\" Target=\"numbering.xml\"/></Relationships>"},
+        {QStringLiteral("word/styles.xml"), "<w:styles " + w + "><w:style w:type=\"paragraph\" w:default=\"1\" w:styleId=\"Normal\">"
+         "<w:name w:val=\"Normal\"/><w:rPr><w:sz w:val=\"30\"/></w:rPr></w:style><w:style w:type=\"paragraph\" w:styleId=\"Num\">"
+         "<w:name w:val=\"Num\"/><w:pPr><w:numPr><w:numId w:val=\"1\"/></w:numPr></w:pPr></w:style></w:styles>"},
+        {QStringLiteral("word/numbering.xml"), "<w:numbering " + w + "><w:abstractNum w:abstractNumId=\"0\"><w:lvl w:ilvl=\"0\">"
+         "<w:start w:val=\"1\"/><w:numFmt w:val=\"decimal\"/><w:lvlText w:val=\"%1.\"/></w:lvl></w:abstractNum>"
+         "<w:num w:numId=\"1\"><w:abstractNumId w:val=\"0\"/></w:num></w:numbering>"},
+        {QStringLiteral("word/document.xml"), "<w:document " + w + "><w:body><w:p><w:pPr><w:pStyle w:val=\"Num\"/></w:pPr><w:r>"
+         "<w:t>One</w:t></w:r></w:p><w:p><w:pPr><w:pStyle w:val=\"Num\"/><w:numPr><w:numId w:val=\"0\"/></w:numPr></w:pPr>"
+         "<w:r><w:t>Two</w:t></w:r></w:p></w:body></w:document>"}});
+    QTest::newRow("last_paragraph_out_of_list_docx") << outOfList << QByteArray() << QStringList{"1. Two One"} << QSize();
 }
 
 void tst_ZylServer::appendMadeDocument()
@@ -1225,8 +1270,6 @@ void tst_ZylServer::textVariantsAreTextDocuments()
 {
     // Packages of the office's web and master variants, named as users name their documents.
     QFETCH(QByteArray, mediaType);
-    QTemporaryDir folder;
-    QDir(folder.path()).mkdir(QStringLiteral("META-INF"));
     const QList<QPair<QString, QByteArray>> entries{
         {QStringLiteral("mimetype"), mediaType},
         {QStringLiteral("META-INF/manifest.xml"),
@@ -1242,16 +1285,7 @@ void tst_ZylServer::textVariantsAreTextDocuments()
          "<office:body><office:text><text:p>variant one</text:p><text:p text:style-name=\"B\">variant two</text:p>"
          "</office:text></office:body></office:document-content>"}};
     const QString path = m_dir.filePath(QStringLiteral("%1.zyl").arg(QTest::currentDataTag()));
-    QFile::remove(path);
-    for (const auto &entry : entries) {
-        QVERIFY(writeFile(folder.filePath(entry.first), entry.second));
-        // The media type comes first and uncompressed, where readers look for it.
-        const QStringList how = entry.first == QLatin1String("mimetype") ? QStringList{"-X", "-0", "-q"} : QStringList{"-X", "-q"};
-        QProcess zip;
-        zip.setWorkingDirectory(folder.path());
-        zip.start(QStringLiteral("zip"), how + QStringList{path, entry.first});
-        QVERIFY(zip.waitForFinished(30000) && zip.exitCode() == 0);
-    }
+    QVERIFY(zipPackage(path, entries));
 
     const QString saved = m_dir.filePath(QStringLiteral("%1-saved.docx").arg(QTest::currentDataTag()));
     QCOMPARE(edited(path, [](IDispatch *) { return S_OK; }, saved), 2);
