@@ -699,8 +699,8 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
     if (lo - 1 >= headingRows(e)) {
         OwnEdit own(*this);
         UndoContext undo(m_document, "Split row");
-        touch(index, index + 1);
-        ZylTableRows::splitAtPage(model->getCurrentController(), table, lo - 1, layoutPage);
+        if (ZylTableRows::splitAtPage(model->getCurrentController(), table, lo - 1, layoutPage))
+            touch(index, index + 1);
     }
     *position = base + lo + 1;
     return S_OK;
