@@ -545,15 +545,6 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         first = stringProperty(elements.front(), "PageStyleName");
     if (first.isEmpty())
         first = ou("Standard");
-    // A copy cut from a later page keeps that page's number; otherwise its pages count from 1.
-    if (hasSides(source, first)) {
-        try {
-            if (!(elements.front()->getPropertyValue(ou("PageNumberOffset")) >>= m_firstNumber) || m_firstNumber < 1)
-                m_firstNumber = 1;
-        } catch (const uno::Exception &) {
-            m_firstNumber = 1;
-        }
-    }
     use(first);
     for (const auto &element : elements)
         use(stringProperty(element, "PageDescName"));
@@ -563,6 +554,16 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     }
     if (used.empty())
         return false;
+    // A copy cut from a later page keeps that page's number; otherwise its pages count from 1.
+    // A title page's own style may have one side only and its follow style two.
+    if (std::any_of(used.begin(), used.end(), [&](const rtl::OUString &name) { return hasSides(source, name); })) {
+        try {
+            if (!(elements.front()->getPropertyValue(ou("PageNumberOffset")) >>= m_firstNumber) || m_firstNumber < 1)
+                m_firstNumber = 1;
+        } catch (const uno::Exception &) {
+            m_firstNumber = 1;
+        }
+    }
 
     // When the target has every one of them as it is, the pages keep their names; otherwise all
     // get new names that neither document has, so that follow styles stay among themselves.

@@ -853,6 +853,19 @@ void tst_ZylServer::appendMadeDocument_data()
                        "<style:paragraph-properties fo:margin-top=\"18cm\"/></style:style></office:automatic-styles>"
                        "<office:body><office:text>%1</office:text></office:body>")
             .arg(tall));
+    // A title page in a style of one side whose follow style has two: the pages after it took
+    // their sides from their places in the merged document.
+    const QByteArray titled = ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:page-layout style:name=\"L\"/><style:style style:name=\"T\" style:family=\"paragraph\""
+        " style:master-page-name=\"Title\"/><style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\"/></style:style></office:automatic-styles><office:master-styles><style:master-page"
+        " style:name=\"Title\" style:page-layout-name=\"L\" style:next-style-name=\"Sides\"><style:header><text:p>title</text:p>"
+        "</style:header></style:master-page><style:master-page style:name=\"Sides\" style:page-layout-name=\"L\"><style:header>"
+        "<text:p>right</text:p></style:header><style:header-left><text:p>left</text:p></style:header-left></style:master-page>"
+        "</office:master-styles><office:body><office:text><text:p text:style-name=\"T\">one</text:p>"
+        "<text:p text:style-name=\"B\">two</text:p><text:p text:style-name=\"B\">three</text:p></office:text></office:body>"));
+    QTest::newRow("title_page_then_sides_zyl") << QStringLiteral("zyl") << titled << QStringList{"title one", "left two", "right three"}
+                                               << QSize();
     QTest::newRow("empty_first_paragraph_zyl") << QStringLiteral("zyl") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
     QTest::newRow("empty_first_paragraph_docx") << QStringLiteral("docx") << emptyFirst << QStringList{"line 1", "line 25"} << QSize();
     // The last paragraph took the style of the one before it, and that style's spacing pushed it
