@@ -123,8 +123,15 @@ bool ZylTableRows::splitAtPage(const uno::Reference<frame::XController> &control
         }
         if (splits.empty())
             return false;
-        // A new row after it takes the row's cells and their formatting.
-        table->getRows()->insertByIndex(row + 1, 1);
+        // A new row after it takes the row's cells and their formatting; each part is as high as
+        // its text, where the row's own height was that of both together.
+        const uno::Reference<table::XTableRows> rows = table->getRows();
+        rows->insertByIndex(row + 1, 1);
+        for (int part : {row, row + 1}) {
+            uno::Reference<beans::XPropertySet> height(rows->getByIndex(part), uno::UNO_QUERY);
+            if (height.is())
+                height->setPropertyValue(ou("IsAutoHeight"), uno::Any(true));
+        }
         for (const auto &[column, split] : splits) {
             uno::Reference<text::XText> from(table->getCellByName(cellName(column, row)), uno::UNO_QUERY_THROW);
             uno::Reference<text::XText> to(table->getCellByName(cellName(column, row + 1)), uno::UNO_QUERY);
