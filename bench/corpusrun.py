@@ -351,9 +351,14 @@ class Runner:
         server = [l for l in lines if l.startswith("vzyl.server:") and " ready on pipe " not in l
                   and "not ready yet" not in l]
         if server:
-            # The first call that failed says why; what the server did after it rarely does.
-            failed = [l for l in server if " failed" in l]
+            # The first call that failed, or the office the server ended, says why; what the
+            # server did after it rarely does.
+            signs = (" failed", "killing it", "did not finish", "is gone", "cannot", "nothing was inserted")
+            failed = [l for l in server if any(sign in l for sign in signs)]
             reason += " [%s]" % (failed[0] if failed else server[-1])
+        engine = [l for l in lines if l.startswith("vdocumentmerger.engine")]
+        if engine:
+            reason += " [%s]" % engine[0]
         try:
             result = json.loads(stdout)
             if result.get("error") and result["error"] not in reason:
