@@ -327,10 +327,53 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
     std::map<rtl::OUString, rtl::OUString> renamed;
     std::set<rtl::OUString> same;
     std::vector<rtl::OUString> direct;
+    // Whether the target defines a style of this name otherwise; answered once per name.
+    std::map<rtl::OUString, bool> clashes;
+    const auto clash = [&](const rtl::OUString &name) {
+        const auto known = clashes.find(name);
+        if (known != clashes.end())
+            return known->second;
+        const bool differs = targetStyles->hasByName(name)
+            && !sameProperties(uno::Reference<beans::XPropertySet>(sourceStyles->getByName(name), uno::UNO_QUERY_THROW),
+                               uno::Reference<beans::XPropertySet>(targetStyles->getByName(name), uno::UNO_QUERY_THROW),
+                               links);
+        clashes.emplace(name, differs);
+        return differs;
+    };
+    // A style of a name the target lacks inherits, once inserted, what the target's style of its
+    // parent's name gives: it takes every value it resolves to as its own.
+    std::set<rtl::OUString> settled;
+    bool flattened = false;
+    const auto settle = [&](const rtl::OUString &name) {
+        if (!settled.insert(name).second)
+            return;
+        uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
+        // Every style descends from the default one, which no parent names.
+        const rtl::OUString root = ou("Standard");
+        std::set<rtl::OUString> seen{name};
+        for (rtl::OUString at = name; at != root;) {
+            rtl::OUString parent = stringProperty(uno::Reference<beans::XPropertySet>(sourceStyles->getByName(at), uno::UNO_QUERY_THROW),
+                                                  "ParentStyle");
+            if (parent.isEmpty())
+                parent = root;
+            if (!sourceStyles->hasByName(parent) || !seen.insert(parent).second)
+                return;
+            if (clash(parent)) {
+                copyProperties(style, style, links);
+                flattened = true;
+                return;
+            }
+            at = parent;
+        }
+    };
     for (const auto &paragraph : paragraphs) {
         const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
-        if (name.isEmpty() || !targetStyles->hasByName(name) || !sourceStyles->hasByName(name) || same.count(name))
+        if (name.isEmpty() || !sourceStyles->hasByName(name) || same.count(name))
             continue;
+        if (!targetStyles->hasByName(name)) {
+            settle(name);
+            continue;
+        }
         auto found = renamed.find(name);
         if (found == renamed.end()) {
             uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
@@ -358,7 +401,7 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
         } catch (const uno::Exception &) {
         }
     }
-    return !renamed.empty();
+    return !renamed.empty() || flattened;
 }
 
 // Pictures, shapes and objects do not always come along when a document is inserted as it is

@@ -877,6 +877,15 @@ void tst_ZylServer::appendMadeDocument_data()
         " style:family=\"paragraph\" style:parent-style-name=\"Standard\"/></office:styles><office:body><office:text><text:p text:style-name=\"Low\">low</text:p>"
         "<text:p text:style-name=\"Plain\">last</text:p></office:text></office:body>"));
     QTest::newRow("last_paragraph_style_zyl") << QStringLiteral("zyl") << lastStyled << QStringList{"low last"} << QSize();
+    // A style the target lacks took the size that the target's defaults give: forty lines in the
+    // source's large default size ran over two pages, in the target's over one.
+    QString inherited;
+    for (int line = 1; line <= 40; ++line)
+        inherited += QStringLiteral("<text:p text:style-name=\"Own\">line %1</text:p>").arg(line);
+    QTest::newRow("own_style_under_defaults_zyl") << QStringLiteral("zyl") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:styles><style:default-style style:family=\"paragraph\"><style:text-properties fo:font-size=\"24pt\"/>"
+        "</style:default-style><style:style style:name=\"Own\" style:family=\"paragraph\"/></office:styles>"
+        "<office:body><office:text>%1</office:text></office:body>").arg(inherited)) << QStringList{"line 1", "line 40"} << QSize();
     // Given its style again, a last paragraph taken out of its style's list got a number.
     const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
     const QByteArray rels = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
