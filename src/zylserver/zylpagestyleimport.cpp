@@ -325,7 +325,6 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
     const std::set<rtl::OUString> links = {ou("FollowStyle"), ou("DisplayName"), ou("ParentStyle"),
                                            ou("ParaStyleConditions"), ou("NumberingStyleName"), ou("LinkStyle")};
     std::map<rtl::OUString, rtl::OUString> renamed;
-    std::set<rtl::OUString> same;
     std::vector<rtl::OUString> direct;
     // Whether the target defines a style of this name otherwise; answered once per name.
     std::map<rtl::OUString, bool> clashes;
@@ -368,20 +367,17 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
     };
     for (const auto &paragraph : paragraphs) {
         const rtl::OUString name = stringProperty(paragraph, "ParaStyleName");
-        if (name.isEmpty() || !sourceStyles->hasByName(name) || same.count(name))
+        if (name.isEmpty() || !sourceStyles->hasByName(name))
             continue;
         if (!targetStyles->hasByName(name)) {
             settle(name);
             continue;
         }
+        if (!clash(name))
+            continue;
         auto found = renamed.find(name);
         if (found == renamed.end()) {
             uno::Reference<beans::XPropertySet> style(sourceStyles->getByName(name), uno::UNO_QUERY_THROW);
-            if (sameProperties(style, uno::Reference<beans::XPropertySet>(targetStyles->getByName(name), uno::UNO_QUERY_THROW),
-                               links)) {
-                same.insert(name);
-                continue;
-            }
             const rtl::OUString display = stringProperty(style, "DisplayName");
             rtl::OUString fresh;
             for (int n = 2;; ++n) {
