@@ -77,6 +77,35 @@ private:
     uno::Reference<document::XUndoManager> m_manager;
 };
 
+// Keeps the office from recording undo steps in its lifetime. A cut of hundreds of pages inside
+// one undo step never ends: the office tries to drop its oldest step to stay under its limit of
+// undo nodes, and the only step is the one still open.
+class UndoLock {
+public:
+    explicit UndoLock(const uno::Reference<text::XTextDocument> &document)
+    {
+        uno::Reference<document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
+        if (supplier.is())
+            m_manager = supplier->getUndoManager();
+        if (m_manager.is())
+            m_manager->lock();
+    }
+    ~UndoLock()
+    {
+        if (!m_manager.is())
+            return;
+        try {
+            m_manager->unlock();
+        } catch (const uno::Exception &) {
+        }
+    }
+    UndoLock(const UndoLock &) = delete;
+    UndoLock &operator=(const UndoLock &) = delete;
+
+private:
+    uno::Reference<document::XUndoManager> m_manager;
+};
+
 // Every change to a document whose controllers are unlocked lays it out again: a cut of a
 // hundred pages element by element would take minutes.
 class LayoutLock {
@@ -730,7 +759,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
 
     const int last = int(l.elements.size()) - 1;
     OwnEdit own(*this);
-    UndoContext undo(m_document, "Delete");
+    UndoLock noUndo(m_document);
     const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
     // What starts the body after a cut from its start.

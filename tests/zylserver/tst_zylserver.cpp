@@ -621,6 +621,9 @@ void tst_ZylServer::deleteThroughSplitTable_data()
     const QVector<Page> tall = {{"cover", Page::Text, 0}, {"lead", Page::TallRow, 70}, {"after", Page::Text, 0}};
     QTest::newRow("first_page_of_tall_row_removed") << "tall.zyl" << tall << 2 << 2;
     QTest::newRow("second_page_of_tall_row_removed") << "tall.doc" << tall << 3 << 3;
+    // Cutting so many rows at once that the office can no longer keep them for undo.
+    const QVector<Page> huge = {{"cover", Page::Text, 0}, {"lead", Page::LongTable, 12000}, {"after", Page::Text, 0}};
+    QTest::newRow("hundreds_of_table_pages_removed") << "huge.zyl" << huge << 2 << 232;
 }
 
 void tst_ZylServer::deleteThroughSplitTable()
