@@ -54,13 +54,10 @@ bool hasNote(const uno::Reference<container::XIndexAccess> &notes, sal_Int16 id)
 ZylReferences::ZylReferences(const uno::Reference<text::XTextDocument> &document) : m_document(document)
 {
     try {
-        // Only the body's: a header's or footer's shows on pages that stay whatever is cut.
-        const uno::Reference<text::XText> body = document->getText();
-        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference")) {
-            const uno::Reference<text::XTextRange> anchor = field->getAnchor();
-            if (anchor.is() && anchor->getText() == body)
-                m_noted.push_back({field, field->getPresentation(false)});
-        }
+        // Wherever they are: in tables and frames, and in headers, where an orphan would show an
+        // error on every page that stays.
+        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference"))
+            m_noted.push_back({field, field->getPresentation(false)});
     } catch (const uno::Exception &) {
         m_noted.clear();
     }

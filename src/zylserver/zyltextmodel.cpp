@@ -30,6 +30,7 @@
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/style/NumberingType.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
+#include <com/sun/star/text/XDocumentIndex.hpp>
 #include <com/sun/star/text/PageNumberType.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XTextField.hpp>
@@ -792,11 +793,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         LayoutLock lock(m_document);
         cutPartialEnds(l, cut);
         cutTableRows(l, cut);
-        for (int i = cut.lastWhole; i >= cut.firstWhole; --i) {
-            uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
-            if (element.is())
-                element->dispose();
-        }
+        removeWhole(l, cut.firstWhole, cut.lastWhole);
         settleAfterCut(l, cut, followerIndex, follower);
     }
     if (kept.valid)
@@ -1006,6 +1003,37 @@ void ZylTextModel::cutTableRows(const Layout &l, const Cut &cut)
     }
     if (cut.rowsTo > 0)
         removeRows(l.elements[size_t(cut.endIndex)], headingRows(l.elements[size_t(cut.endIndex)]), cut.rowsTo);
+}
+
+void ZylTextModel::removeWhole(const Layout &l, int first, int last)
+{
+    // An index's heading cannot go on its own: an index that lies wholly in the cut goes as one.
+    const auto indexOf = [&](int i) -> uno::Reference<text::XDocumentIndex> {
+        uno::Reference<beans::XPropertySet> props(i >= 0 && i < int(l.elements.size()) && !l.elements[size_t(i)].isTable
+                                                      ? l.elements[size_t(i)].content : nullptr,
+                                                  uno::UNO_QUERY);
+        uno::Reference<text::XDocumentIndex> index;
+        if (props.is())
+            props->getPropertyValue(ou("DocumentIndex")) >>= index;
+        return index;
+    };
+    const uno::Reference<text::XDocumentIndex> before = indexOf(first - 1);
+    const uno::Reference<text::XDocumentIndex> after = indexOf(last + 1);
+    // Read before anything goes: an index takes its paragraphs with it.
+    std::vector<uno::Reference<text::XDocumentIndex>> indexes;
+    for (int i = first; i <= last; ++i)
+        indexes.push_back(indexOf(i));
+    for (int i = last; i >= first; --i) {
+        const uno::Reference<text::XDocumentIndex> &index = indexes[size_t(i - first)];
+        if (index.is() && index != before && index != after) {
+            if (i == first || indexes[size_t(i - first - 1)] != index)
+                index->dispose();
+            continue;
+        }
+        uno::Reference<lang::XComponent> element(l.elements[size_t(i)].content, uno::UNO_QUERY);
+        if (element.is())
+            element->dispose();
+    }
 }
 
 void ZylTextModel::settleAfterCut(const Layout &l, const Cut &cut, int followerIndex, const BreakState &follower)

@@ -164,6 +164,8 @@ private:
     static void balanceCutEnds(const Layout &l, Cut &cut);
     void cutPartialEnds(const Layout &l, const Cut &cut);
     static void cutTableRows(const Layout &l, const Cut &cut);
+    // Removes the elements first to last, each whole.
+    static void removeWhole(const Layout &l, int first, int last);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
     // The parts of paragraphs that a cut divided where a page begins keep their look on that page;

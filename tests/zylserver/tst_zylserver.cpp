@@ -1022,8 +1022,10 @@ void tst_ZylServer::cutFirstPage_data()
     QTest::newRow("recording_changes_docx") << QStringLiteral("docx") << recording << QStringList({"page two", "page three"});
     QTest::newRow("recording_changes_zyl") << QStringLiteral("zyl") << recording << QStringList({"page two", "page three"});
     // Cross-references to a bookmark, a note and a caption on the page that goes printed an error
-    // in their place; one to a bookmark that stays is still a field.
-    QTest::newRow("references_to_cut_page_zyl") << QStringLiteral("zyl") << pagedFlat("21cm", "29.7cm", QString(), QStringLiteral(
+    // in their place, in the text, a table or the header; one to a bookmark that stays is still a field.
+    QTest::newRow("references_to_cut_page_zyl") << QStringLiteral("zyl") << pagedFlat("21cm", "29.7cm", QStringLiteral(
+        "<style:header><text:p>head <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"gone\">first words</text:bookmark-ref>"
+        "</text:p></style:header>"), QStringLiteral(
         "<text:p><text:bookmark-start text:name=\"gone\"/>first words<text:bookmark-end text:name=\"gone\"/>"
         "<text:note text:id=\"n1\" text:note-class=\"footnote\"><text:note-citation>1</text:note-citation>"
         "<text:note-body><text:p>note</text:p></text:note-body></text:note>"
@@ -1032,8 +1034,19 @@ void tst_ZylServer::cutFirstPage_data()
         "<text:p>see <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"gone\">first words</text:bookmark-ref>,"
         " <text:note-ref text:note-class=\"footnote\" text:reference-format=\"text\" text:ref-name=\"n1\">1</text:note-ref>,"
         " <text:sequence-ref text:reference-format=\"value\" text:ref-name=\"refFigure0\">1</text:sequence-ref> and"
-        " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>"))
-        << QStringList({"second words see first words, 1, 1 and second words"});
+        " <text:bookmark-ref text:reference-format=\"text\" text:ref-name=\"kept\">stale</text:bookmark-ref></text:p>"
+        "<table:table><table:table-column/><table:table-row><table:table-cell><text:p>cell <text:bookmark-ref"
+        " text:reference-format=\"text\" text:ref-name=\"gone\">first words</text:bookmark-ref></text:p></table:table-cell>"
+        "</table:table-row></table:table>"))
+        << QStringList({"head first words second words see first words, 1, 1 and second words cell first words"});
+    // The title of a table of contents on the cut page stayed behind, on a page of its own.
+    QTest::newRow("contents_on_cut_page_zyl") << QStringLiteral("zyl") << pagedFlat("21cm", "29.7cm", QString(), QStringLiteral(
+        "<text:table-of-content text:name=\"T\"><text:table-of-content-source text:outline-level=\"3\">"
+        "<text:index-title-template>Contents</text:index-title-template></text:table-of-content-source><text:index-body>"
+        "<text:index-title text:name=\"TH\"><text:p>Contents</text:p></text:index-title><text:p>entry</text:p></text:index-body>"
+        "</text:table-of-content><table:table><table:table-column/><table:table-row><table:table-cell><text:p>cell</text:p>"
+        "</table:table-cell></table:table-row></table:table><text:p text:style-name=\"B\">page two</text:p>"))
+        << QStringList({"page two"});
     // The part of a paragraph that runs on to the page that stays took the paragraph's spacing
     // above it again and pushed the page's last lines over; so did a paragraph that the text
     // pushed to the top of that page, where the Word formats give it no such spacing. Empty
