@@ -38,6 +38,10 @@
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
+#include <com/sun/star/text/XTextViewCursorSupplier.hpp>
+#include <com/sun/star/text/XParagraphCursor.hpp>
+#include <com/sun/star/text/XPageCursor.hpp>
+#include <com/sun/star/frame/XController.hpp>
 
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
@@ -666,12 +670,19 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     } catch (const uno::Exception &) {
         // The page layout comes along all the same.
     }
+    bool topsDropped = false;
+    try {
+        topsDropped = dropSpacingAtPageTops(model, source, target);
+    } catch (const uno::Exception &) {
+        // Its pages may then begin a little lower.
+    }
     const auto firstRenamed = renamed.find(first);
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
     if (!uno::Reference<text::XTextTable>(elements.back(), uno::UNO_QUERY).is())
         m_lastStyle = stringProperty(elements.back(), "ParaStyleName");
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
-    if (renamed.empty() && !paragraphStylesKept && !leadingTable.is() && !hasDrawnObjects(source) && !hasChanges) {
+    if (renamed.empty() && !paragraphStylesKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
+        && !hasChanges) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         if (!ZylFilters::isOpenDocument(path))
@@ -685,4 +696,57 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         return false;
     m_url = fileUrl(m_path);
     return true;
+}
+
+bool ZylPageStyleImport::documentSetting(const uno::Reference<text::XTextDocument> &document, const char *name,
+                                         bool fallback)
+{
+    try {
+        uno::Reference<lang::XMultiServiceFactory> factory(document, uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
+                                                     uno::UNO_QUERY_THROW);
+        bool value = fallback;
+        settings->getPropertyValue(ou(name)) >>= value;
+        return value;
+    } catch (const uno::Exception &) {
+        return fallback;
+    }
+}
+
+bool ZylPageStyleImport::dropSpacingAtPageTops(const uno::Reference<frame::XModel> &model,
+                                               const uno::Reference<text::XTextDocument> &source,
+                                               const uno::Reference<text::XTextDocument> &target)
+{
+    // Where the source gives a paragraph that begins a page no spacing above it and the target
+    // would, each such paragraph sets none itself. It had none on its page: nothing reflows.
+    const char *const atTops = "AddParaTableSpacingAtStart";
+    if (documentSetting(source, atTops, true) || !documentSetting(target, atTops, true))
+        return false;
+    model->unlockControllers(); // the pages are needed
+    struct Relock {
+        uno::Reference<frame::XModel> model;
+        ~Relock() { model->lockControllers(); }
+    } relock{model};
+    const uno::Reference<frame::XController> controller = model->getCurrentController();
+    uno::Reference<beans::XPropertySet> controllerProps(controller, uno::UNO_QUERY_THROW);
+    sal_Int32 pages = 0;
+    controllerProps->getPropertyValue(ou("PageCount")) >>= pages;
+    uno::Reference<text::XTextViewCursorSupplier> supplier(controller, uno::UNO_QUERY_THROW);
+    const uno::Reference<text::XTextViewCursor> view = supplier->getViewCursor();
+    uno::Reference<text::XPageCursor> pageCursor(view, uno::UNO_QUERY_THROW);
+    const uno::Reference<text::XText> body = source->getText();
+    bool dropped = false;
+    for (sal_Int32 page = 1; page <= pages && page <= SAL_MAX_INT16; ++page) {
+        if (!pageCursor->jumpToPage(sal_Int16(page)) || pageCursor->getPage() != page || !pageCursor->jumpToStartOfPage()
+            || view->getText() != body)
+            continue;
+        uno::Reference<text::XParagraphCursor> start(body->createTextCursorByRange(view->getStart()), uno::UNO_QUERY_THROW);
+        uno::Reference<beans::XPropertySet> paragraph(start, uno::UNO_QUERY_THROW);
+        sal_Int32 above = 0;
+        if (start->isStartOfParagraph() && (paragraph->getPropertyValue(ou("ParaTopMargin")) >>= above) && above > 0) {
+            paragraph->setPropertyValue(ou("ParaTopMargin"), uno::Any(sal_Int32(0)));
+            dropped = true;
+        }
+    }
+    return dropped;
 }

@@ -672,16 +672,30 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
         *position = l.length + 1;
         return S_OK;
     }
-    uno::Reference<text::XTextContent> tableContent(table, uno::UNO_QUERY);
-    int index = -1;
-    for (size_t i = 0; i < l.elements.size(); ++i) {
-        if (l.elements[i].isTable && l.elements[i].content == tableContent) {
-            index = int(i);
-            break;
+    const auto indexOf = [&](const uno::Reference<text::XTextTable> &t) {
+        const uno::Reference<text::XTextContent> content(t, uno::UNO_QUERY);
+        for (size_t i = 0; i < l.elements.size(); ++i) {
+            if (l.elements[i].isTable && l.elements[i].content == content)
+                return int(i);
         }
+        return -1;
+    };
+    int index = indexOf(table);
+    // In a table nested in another, the page begins in the row of the outer one that holds it.
+    bool nested = false;
+    for (int depth = 0; index < 0 && depth < 8; ++depth) {
+        uno::Reference<beans::XPropertySet> anchor(table->getAnchor(), uno::UNO_QUERY);
+        uno::Reference<text::XTextTable> outer;
+        if (anchor.is())
+            anchor->getPropertyValue(ou("TextTable")) >>= outer;
+        if (!outer.is())
+            break;
+        table = outer;
+        index = indexOf(table);
+        nested = true;
     }
     if (index < 0) {
-        qCInfo(lcZylServer) << "GoTo page" << page << ": begins in a table nested in a frame or another table";
+        qCInfo(lcZylServer) << "GoTo page" << page << ": begins in a table in a frame";
         return E_FAIL;
     }
     uno::Reference<beans::XPropertySet> cell;
@@ -705,7 +719,7 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
             return -1;
         }
     };
-    if (cellName == ou("A1") && !inRepeatedHeading && rowPage(0) >= layoutPage) {
+    if (cellName == ou("A1") && !nested && !inRepeatedHeading && rowPage(0) >= layoutPage) {
         *position = base + 1;
         return S_OK;
     }
@@ -763,8 +777,8 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     UndoLock noUndo(m_document);
     const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
-    // What starts the body after a cut from its start.
-    const int keptIndex = !cut.fromVirtualMark || cut.end == CutEnd::BodyEnd ? -1
+    // What starts the body after a cut from its start (its ends may have moved to whole elements).
+    const int keptIndex = start != 0 || cut.end == CutEnd::BodyEnd ? -1
         : cut.end == CutEnd::Mark                                             ? cut.endIndex + 1
                                                                               : cut.endIndex;
     BreakState kept;
@@ -835,16 +849,7 @@ void ZylTextModel::keepDividedLooks(const Cut &cut, const BreakState &kept)
 
 bool ZylTextModel::spacingAtPageTops()
 {
-    try {
-        uno::Reference<lang::XMultiServiceFactory> factory(m_document, uno::UNO_QUERY_THROW);
-        uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
-                                                     uno::UNO_QUERY_THROW);
-        bool adds = true;
-        settings->getPropertyValue(ou("AddParaTableSpacing")) >>= adds;
-        return adds;
-    } catch (const uno::Exception &) {
-        return true;
-    }
+    return ZylPageStyleImport::documentSetting(m_document, "AddParaTableSpacing", true);
 }
 
 int ZylTextModel::printedNumberAt(const Element &e)
@@ -884,7 +889,8 @@ void ZylTextModel::keepFirstPage(const Element &e, const BreakState &before, int
         rtl::OUString style = before.pageDesc;
         if (style.isEmpty() && !before.layoutStyle.isEmpty()) {
             style = ZylPageStyleImport::continuedStyle(m_document, before.layoutStyle);
-            if (style != before.layoutStyle || number > 0)
+            // First in the body, it would take the default page style.
+            if (style != ou("Standard") || number > 0)
                 props->setPropertyValue(ou("PageDescName"), uno::Any(style));
         }
         // A number takes only with a page style named.

@@ -191,6 +191,7 @@ private slots:
     void deletePagesKeepsOthers();
     void deleteThroughSplitTable_data();
     void deleteThroughSplitTable();
+    void pageBeginsInNestedTable();
     void sectionProtection_data();
     void sectionProtection();
     void appendDocument_data();
@@ -645,6 +646,27 @@ void tst_ZylServer::deleteThroughSplitTable()
     QCOMPARE(ZylTestDocuments::pageTexts(work).join(QLatin1Char(' ')).simplified(), texts.join(QLatin1Char(' ')));
 }
 
+void tst_ZylServer::pageBeginsInNestedTable()
+{
+    // A page that begins in a table inside another begins, for a cut, with the outer table's next
+    // row: the row that holds the inner table stays whole with the page where it begins.
+    QString inner;
+    for (int row = 1; row <= 80; ++row)
+        inner += QStringLiteral("<table:table-row><table:table-cell><text:p>row %1</text:p></table:table-cell></table:table-row>").arg(row);
+    const QString path = fromFlat(QStringLiteral("nested.zyl"), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\"/></style:style></office:automatic-styles><office:body><office:text><table:table>"
+        "<table:table-column/><table:table-row><table:table-cell><table:table><table:table-column/>%1</table:table>"
+        "</table:table-cell></table:table-row><table:table-row><table:table-cell><text:p>outer row</text:p></table:table-cell>"
+        "</table:table-row></table:table><text:p text:style-name=\"B\">last page</text:p></office:text></office:body>").arg(inner)));
+    QStringList texts = ZylTestDocuments::pageTexts(path);
+    QCOMPARE(texts.size(), 3);
+    QVERIFY(texts[1].startsWith(QStringLiteral("row ")) && texts[1].endsWith(QStringLiteral("outer row")));
+    QCOMPARE(edited(path, cutting(2, 2)), 3);
+    texts[1].chop(QStringLiteral(" outer row").size());
+    QCOMPARE(ZylTestDocuments::pageTexts(path), texts);
+}
+
 void tst_ZylServer::sectionProtection_data()
 {
     QTest::addColumn<QString>("body");
@@ -889,6 +911,32 @@ void tst_ZylServer::appendMadeDocument_data()
         "<office:styles><style:default-style style:family=\"paragraph\"><style:text-properties fo:font-size=\"24pt\"/>"
         "</style:default-style><style:style style:name=\"Own\" style:family=\"paragraph\"/></office:styles>"
         "<office:body><office:text>%1</office:text></office:body>").arg(inherited)) << QStringList{"line 1", "line 40"} << QSize();
+    // A source that gives a paragraph beginning a page no spacing above it ran over, under the
+    // target's rule, onto another page. The office reads the setting from a package, not a flat file.
+    QStringList run;
+    for (int line = 1; line <= 35; ++line)
+        run << QStringLiteral("line %1").arg(line);
+    const QByteArray office = "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\"";
+    const QString noTopSpacing = m_dir.filePath(QStringLiteral("no-top-spacing.zyl"));
+    zipPackage(noTopSpacing, {
+        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+        {QStringLiteral("META-INF/manifest.xml"),
+         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
+         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
+         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
+         "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
+        {QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + office
+         + " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\""
+         " office:version=\"1.1\"><office:settings><config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item"
+         " config:name=\"AddParaTableSpacingAtStart\" config:type=\"boolean\">false</config:config-item></config:config-item-set>"
+         "</office:settings></office:document-settings>"},
+        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+         " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+         " office:version=\"1.1\"><office:automatic-styles><style:style style:name=\"T\" style:family=\"paragraph\">"
+         "<style:paragraph-properties fo:break-before=\"page\" fo:margin-top=\"12cm\"/></style:style></office:automatic-styles>"
+         "<office:body><office:text><text:p>first page</text:p><text:p text:style-name=\"T\">second page</text:p><text:p>"
+         + run.join(QStringLiteral("<text:line-break/>")).toUtf8() + "</text:p></office:text></office:body></office:document-content>"}});
+    QTest::newRow("no_spacing_at_page_tops_zyl") << noTopSpacing << QByteArray() << QStringList{"first page", "line 35"} << QSize();
     // Given its style again, a last paragraph taken out of its style's list got a number.
     const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
     const QByteArray rels = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
@@ -1047,6 +1095,16 @@ void tst_ZylServer::cutFirstPage_data()
         "</text:table-of-content><table:table><table:table-column/><table:table-row><table:table-cell><text:p>cell</text:p>"
         "</table:table-cell></table:table-row></table:table><text:p text:style-name=\"B\">page two</text:p>"))
         << QStringList({"page two"});
+    // After a table that ends the cut page, the page that stays lost the page style it continued.
+    QTest::newRow("page_style_after_table_zyl") << QStringLiteral("zyl") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:page-layout style:name=\"pm\"/><style:style style:name=\"O\" style:family=\"paragraph\""
+        " style:master-page-name=\"Other\"/><style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\"/></style:style></office:automatic-styles><office:master-styles><style:master-page"
+        " style:name=\"Standard\" style:page-layout-name=\"pm\"/><style:master-page style:name=\"Other\" style:page-layout-name=\"pm\">"
+        "<style:header><text:p>other header</text:p></style:header></style:master-page></office:master-styles><office:body>"
+        "<office:text><text:p text:style-name=\"O\">one</text:p><table:table><table:table-column/><table:table-row><table:table-cell>"
+        "<text:p>cell</text:p></table:table-cell></table:table-row></table:table><text:p text:style-name=\"B\">two</text:p>"
+        "</office:text></office:body>")) << QStringList({"other header two"});
     // The part of a paragraph that runs on to the page that stays took the paragraph's spacing
     // above it again and pushed the page's last lines over; so did a paragraph that the text
     // pushed to the top of that page, where the Word formats give it no such spacing. Empty
