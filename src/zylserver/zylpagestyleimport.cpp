@@ -24,6 +24,7 @@
 #include <com/sun/star/document/UpdateDocMode.hpp>
 #include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/drawing/XDrawPageSupplier.hpp>
+#include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
@@ -34,14 +35,13 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/TextGridMode.hpp>
+#include <com/sun/star/text/XPageCursor.hpp>
+#include <com/sun/star/text/XParagraphCursor.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
-#include <com/sun/star/text/XParagraphCursor.hpp>
-#include <com/sun/star/text/XPageCursor.hpp>
-#include <com/sun/star/frame/XController.hpp>
 
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
@@ -542,7 +542,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_firstNumber = 0;
     m_startsWithTable = false;
     m_endsHidden = false;
-    m_lastStyle = rtl::OUString();
+    m_first = m_last = EdgeParagraph();
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -678,15 +678,31 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     }
     const auto firstRenamed = renamed.find(first);
     m_firstStyle = firstRenamed == renamed.end() ? first : firstRenamed->second;
-    if (!uno::Reference<text::XTextTable>(elements.back(), uno::UNO_QUERY).is())
-        m_lastStyle = stringProperty(elements.back(), "ParaStyleName");
+    const auto isTable = [&](size_t i) { return uno::Reference<text::XTextTable>(elements[i], uno::UNO_QUERY).is(); };
+    const auto edge = [&](size_t at, size_t next) {
+        EdgeParagraph p;
+        const uno::Reference<beans::XPropertySet> &e = elements[at];
+        p.style = stringProperty(e, "ParaStyleName");
+        e->getPropertyValue(ou("BreakType")) >>= p.breakType;
+        p.pageStyle = stringProperty(e, "PageDescName");
+        e->getPropertyValue(ou("NumberingLevel")) >>= p.level;
+        const rtl::OUString list = stringProperty(e, "ListId");
+        p.sharesList = next < elements.size() && next != at && !isTable(next) && !list.isEmpty()
+            && list == stringProperty(elements[next], "ListId")
+            && stringProperty(e, "NumberingStyleName") == stringProperty(elements[next], "NumberingStyleName");
+        return p;
+    };
+    if (!isTable(0))
+        m_first = edge(0, 1);
+    if (!isTable(elements.size() - 1))
+        m_last = edge(elements.size() - 1, elements.size() - 2);
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
     if (renamed.empty() && !paragraphStylesKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
         && !hasChanges) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         if (!ZylFilters::isOpenDocument(path))
-            m_lastStyle = rtl::OUString();
+            m_first = m_last = EdgeParagraph();
         return true;
     }
     if (hasChanges)

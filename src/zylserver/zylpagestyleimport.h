@@ -10,6 +10,7 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/style/BreakType.hpp>
 #include <com/sun/star/text/XTextDocument.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 
@@ -48,10 +49,19 @@ public:
     bool startsWithTable() const { return m_startsWithTable; }
     // Whether it ends in a hidden empty paragraph, as a cut leaves after a table that fills its page.
     bool endsHidden() const { return m_endsHidden; }
-    // The style of the inserted content's last paragraph, where the insertion loses it: an
-    // OpenDocument file's last paragraph joins the one inserted into and takes the style of the
-    // paragraph before it. Empty otherwise.
-    rtl::OUString lastParagraphStyle() const { return m_lastStyle; }
+    // What the inserted content's first and last paragraphs have, where the insertion loses it:
+    // an OpenDocument file's first paragraph joins the one inserted into and keeps that one's
+    // list; its last takes the style of the paragraph before it, without its break or list. The
+    // style is empty otherwise.
+    struct EdgeParagraph {
+        rtl::OUString style;
+        css::style::BreakType breakType = css::style::BreakType_NONE;
+        rtl::OUString pageStyle;
+        bool sharesList = false; // with the content's paragraph next to it
+        sal_Int16 level = 0;
+    };
+    EdgeParagraph firstParagraph() const { return m_first; }
+    EdgeParagraph lastParagraph() const { return m_last; }
     // Sets the paragraph's style and keeps the values the paragraph sets itself.
     static void setParagraphStyle(const css::uno::Reference<css::beans::XPropertySet> &paragraph,
                                   const rtl::OUString &style);
@@ -72,6 +82,7 @@ private:
     sal_Int16 m_firstNumber = 0;
     bool m_startsWithTable = false;
     bool m_endsHidden = false;
-    rtl::OUString m_lastStyle;
+    EdgeParagraph m_first;
+    EdgeParagraph m_last;
     ZylTrackedChanges m_changes;
 };

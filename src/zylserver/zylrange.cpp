@@ -161,7 +161,7 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
             const LONG before = model.endPosition();
             const ZylTextModel::Insertion known{layout.firstPageStyle(), layout.firstPageNumber(),
                                                 layout.startsWithTable(), layout.endsHidden(),
-                                                layout.lastParagraphStyle()};
+                                                layout.firstParagraph(), layout.lastParagraph()};
             HRESULT inserted = prepared ? model.insertFile(m_start, layout.preparedUrl(), known)
                                         : model.insertFile(m_start, url);
             if (prepared && SUCCEEDED(inserted))

@@ -55,9 +55,12 @@ ZylReferences::ZylReferences(const uno::Reference<text::XTextDocument> &document
 {
     try {
         // Wherever they are: in tables and frames, and in headers, where an orphan would show an
-        // error on every page that stays.
-        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference"))
-            m_noted.push_back({field, field->getPresentation(false)});
+        // error on every page that stays. One whose target is missing already keeps the text the
+        // file stored for it.
+        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference")) {
+            if (targetExists(field))
+                m_noted.push_back({field, field->getPresentation(false)});
+        }
     } catch (const uno::Exception &) {
         m_noted.clear();
     }

@@ -30,8 +30,8 @@
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/style/NumberingType.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
-#include <com/sun/star/text/XDocumentIndex.hpp>
 #include <com/sun/star/text/PageNumberType.hpp>
+#include <com/sun/star/text/XDocumentIndex.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XTextField.hpp>
 #include <com/sun/star/text/XTextRangeCompare.hpp>
@@ -73,35 +73,6 @@ public:
     }
     UndoContext(const UndoContext &) = delete;
     UndoContext &operator=(const UndoContext &) = delete;
-
-private:
-    uno::Reference<document::XUndoManager> m_manager;
-};
-
-// Keeps the office from recording undo steps in its lifetime. A cut of hundreds of pages inside
-// one undo step never ends: the office tries to drop its oldest step to stay under its limit of
-// undo nodes, and the only step is the one still open.
-class UndoLock {
-public:
-    explicit UndoLock(const uno::Reference<text::XTextDocument> &document)
-    {
-        uno::Reference<document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
-        if (supplier.is())
-            m_manager = supplier->getUndoManager();
-        if (m_manager.is())
-            m_manager->lock();
-    }
-    ~UndoLock()
-    {
-        if (!m_manager.is())
-            return;
-        try {
-            m_manager->unlock();
-        } catch (const uno::Exception &) {
-        }
-    }
-    UndoLock(const UndoLock &) = delete;
-    UndoLock &operator=(const UndoLock &) = delete;
 
 private:
     uno::Reference<document::XUndoManager> m_manager;
@@ -774,7 +745,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
 
     const int last = int(l.elements.size()) - 1;
     OwnEdit own(*this);
-    UndoLock noUndo(m_document);
+    UndoContext undo(m_document, "Delete");
     const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
     // What starts the body after a cut from its start (its ends may have moved to whole elements).
@@ -1275,13 +1246,18 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     // seems to begin at the content's end may be the content's last one.
     const bool endsInPictures = index >= 0 && after.elements[size_t(index)].length == 0
         && holdsCharacterPictures(after.elements[size_t(index)].content);
-    if (textArrived && index >= 0 && !endsInTable && !after.elements[size_t(index)].isTable
-        && !known.lastParagraphStyle.isEmpty()) {
+    if (textArrived && index >= 0 && !endsInTable && !after.elements[size_t(index)].isTable && !known.last.style.isEmpty()) {
         uno::Reference<beans::XPropertySet> last(after.elements[size_t(index)].content, uno::UNO_QUERY);
         touch(index, index + 1);
         try {
-            if (last.is())
-                ZylPageStyleImport::setParagraphStyle(last, known.lastParagraphStyle);
+            if (last.is()) {
+                ZylPageStyleImport::setParagraphStyle(last, known.last.style);
+                // Its break and list, unless it is the first as well, which starts the content's page below.
+                if (index > elementAt(after, point)) {
+                    restoreLastBreak(after, index, known.last);
+                    joinNeighbourList(after, index, index - 1, known.last);
+                }
+            }
         } catch (const uno::Exception &) {
             qCWarning(lcZylServer) << "the inserted content's last paragraph keeps the style it arrived with";
         }
@@ -1332,9 +1308,36 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
                 if (known.firstNumber > 0)
                     props->setPropertyValue(ou("PageNumberOffset"), uno::Any(known.firstNumber));
             }
+            if (!known.first.style.isEmpty() && !now.elements[size_t(start)].isTable) {
+                try {
+                    joinNeighbourList(now, start, start + 1, known.first);
+                } catch (const uno::Exception &) {
+                    qCWarning(lcZylServer) << "the inserted content's first paragraph is left out of its list";
+                }
+            }
         }
     }
     return S_OK;
+}
+
+void ZylTextModel::restoreLastBreak(const Layout &l, int index, const ZylPageStyleImport::EdgeParagraph &known)
+{
+    uno::Reference<beans::XPropertySet> last(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
+    if (!known.pageStyle.isEmpty())
+        last->setPropertyValue(ou("PageDescName"), uno::Any(known.pageStyle));
+    else if (known.breakType != style::BreakType_NONE)
+        last->setPropertyValue(ou("BreakType"), uno::Any(known.breakType));
+}
+
+void ZylTextModel::joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known)
+{
+    if (!known.sharesList || neighbour < 0 || size_t(neighbour) >= l.elements.size() || l.elements[size_t(neighbour)].isTable)
+        return;
+    uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
+    uno::Reference<beans::XPropertySet> next(l.elements[size_t(neighbour)].content, uno::UNO_QUERY_THROW);
+    for (const char *name : {"NumberingStyleName", "ListId"})
+        paragraph->setPropertyValue(ou(name), next->getPropertyValue(ou(name)));
+    paragraph->setPropertyValue(ou("NumberingLevel"), uno::Any(known.level));
 }
 
 int ZylTextModel::drawnObjects()

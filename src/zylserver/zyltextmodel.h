@@ -36,6 +36,8 @@
 
 #include <vcomrt/com.h>
 
+#include "zylpagestyleimport.h"
+
 class ZylTextModel {
 public:
     explicit ZylTextModel(const css::uno::Reference<css::text::XTextDocument> &document);
@@ -77,8 +79,9 @@ public:
         sal_Int16 firstNumber = 0;
         bool startsWithTable = false;
         bool endsHidden = false;
-        // The style its last paragraph must have, where the insertion loses it.
-        rtl::OUString lastParagraphStyle;
+        // What its first and last paragraphs must have, where the insertion loses it.
+        ZylPageStyleImport::EdgeParagraph first;
+        ZylPageStyleImport::EdgeParagraph last;
     };
     // Inserts the document at url; E_FAIL when nothing arrived.
     HRESULT insertFile(LONG position, const QString &url, const Insertion &known);
@@ -180,6 +183,11 @@ private:
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    // Gives the inserted content's last paragraph, at index, the break it lost.
+    static void restoreLastBreak(const Layout &l, int index, const ZylPageStyleImport::EdgeParagraph &known);
+    // Puts the paragraph at index, whose list arrived under another name, into the list of the one
+    // at neighbour, where it was in the source.
+    static void joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known);
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
     // Removes the empty paragraph at index that an insertion left ahead of inserted content that
