@@ -22,19 +22,23 @@
 #include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/document/XStorageBasedDocument.hpp>
 #include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/drawing/XDrawPageSupplier.hpp>
+#include <com/sun/star/embed/XStorage.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/style/BreakType.hpp>
 #include <com/sun/star/style/PageStyleLayout.hpp>
 #include <com/sun/star/style/XStyle.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/TextGridMode.hpp>
+#include <com/sun/star/text/XFormField.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XParagraphCursor.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
@@ -413,9 +417,10 @@ bool hasDrawnObjects(const uno::Reference<text::XTextDocument> &document)
     return supplier.is() && supplier->getDrawPage()->hasElements();
 }
 
-// A shape with a text frame of its own in a header or footer. Inserting a prepared OpenDocument
-// copy that holds one can end the office; the Word format brings it in by another way.
-bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
+// A group of shapes, or a shape with a text frame of its own, in a header or footer. Inserting a
+// prepared OpenDocument copy that holds one can end the office; the Word format brings it in by
+// another way.
+bool hasFragileShapeOutsideBody(const uno::Reference<text::XTextDocument> &document)
 {
     uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
     if (!supplier.is())
@@ -424,9 +429,13 @@ bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
     const uno::Reference<drawing::XDrawPage> page = supplier->getDrawPage();
     for (sal_Int32 i = 0; i < page->getCount(); ++i) {
         uno::Reference<beans::XPropertySet> shape(page->getByIndex(i), uno::UNO_QUERY);
+        uno::Reference<lang::XServiceInfo> info(shape, uno::UNO_QUERY);
         bool textBox = false;
         try {
-            if (!shape.is() || !(shape->getPropertyValue(ou("TextBox")) >>= textBox) || !textBox)
+            if (!shape.is() || !info.is())
+                continue;
+            if (!info->supportsService(ou("com.sun.star.drawing.GroupShape"))
+                && (!(shape->getPropertyValue(ou("TextBox")) >>= textBox) || !textBox))
                 continue;
         } catch (const uno::Exception &) {
             continue; // not a shape that can have one
@@ -437,6 +446,38 @@ bool hasTextBoxOutsideBody(const uno::Reference<text::XTextDocument> &document)
             return true;
     }
     return false;
+}
+
+// A legacy link field keeps the linked object's data in a storage of its document's own, which
+// the document it goes into lacks: saving that one in the legacy format then fails. The field
+// leaves that storage behind and keeps its code and the picture it shows.
+bool dropLinkStorages(const uno::Reference<text::XTextDocument> &document)
+{
+    uno::Reference<document::XStorageBasedDocument> stored(document, uno::UNO_QUERY);
+    const uno::Reference<embed::XStorage> storage = stored.is() ? stored->getDocumentStorage() : nullptr;
+    if (!storage.is() || !storage->hasByName(ou("OLELinks")))
+        return false;
+    std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
+    collectParagraphs(elementsOf(uno::Reference<container::XEnumerationAccess>(document->getText(), uno::UNO_QUERY_THROW)),
+                      &paragraphs);
+    const rtl::OUString storageParameter = ou("vnd.oasis.opendocument.field.ole");
+    bool dropped = false;
+    for (const auto &paragraph : paragraphs) {
+        uno::Reference<container::XEnumerationAccess> portions(paragraph, uno::UNO_QUERY);
+        const uno::Reference<container::XEnumeration> items = portions.is() ? portions->createEnumeration() : nullptr;
+        while (items.is() && items->hasMoreElements()) {
+            uno::Reference<beans::XPropertySet> portion(items->nextElement(), uno::UNO_QUERY);
+            if (!portion.is() || stringProperty(portion, "TextPortionType") != ou("TextFieldStart"))
+                continue;
+            uno::Reference<text::XFormField> field(portion->getPropertyValue(ou("Bookmark")), uno::UNO_QUERY);
+            const uno::Reference<container::XNameContainer> parameters = field.is() ? field->getParameters() : nullptr;
+            if (parameters.is() && parameters->hasByName(storageParameter)) {
+                parameters->removeByName(storageParameter);
+                dropped = true;
+            }
+        }
+    }
+    return dropped;
 }
 
 QString fileUrl(const QString &path)
@@ -565,7 +606,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     // Every change to a document whose controllers are unlocked lays it out again.
     model->lockControllers();
 
-    if (hasTextBoxOutsideBody(source)) {
+    if (hasFragileShapeOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.
         m_path = storeCopy(source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
         m_url = m_path.isEmpty() ? QString() : fileUrl(m_path);
@@ -696,9 +737,15 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         m_first = edge(0, 1);
     if (!isTable(elements.size() - 1))
         m_last = edge(elements.size() - 1, elements.size() - 2);
+    bool linksDropped = false;
+    try {
+        linksDropped = dropLinkStorages(source);
+    } catch (const uno::Exception &) {
+        // A legacy save of the merged document may then fail.
+    }
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
     if (renamed.empty() && !paragraphStylesKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
-        && !hasChanges) {
+        && !hasChanges && !linksDropped) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         if (!ZylFilters::isOpenDocument(path))

@@ -38,15 +38,22 @@ std::vector<uno::Reference<text::XTextField>> fieldsOf(const uno::Reference<text
     return found;
 }
 
-bool hasNote(const uno::Reference<container::XIndexAccess> &notes, sal_Int16 id)
+std::set<rtl::OUString> namesOf(const uno::Reference<container::XNameAccess> &names)
 {
+    const uno::Sequence<rtl::OUString> all = names->getElementNames();
+    return std::set<rtl::OUString>(all.begin(), all.end());
+}
+
+std::set<sal_Int16> idsOf(const uno::Reference<container::XIndexAccess> &notes)
+{
+    std::set<sal_Int16> ids;
     for (sal_Int32 i = 0; notes.is() && i < notes->getCount(); ++i) {
         uno::Reference<beans::XPropertySet> note(notes->getByIndex(i), uno::UNO_QUERY);
-        sal_Int16 noteId = -1;
-        if (note.is() && (note->getPropertyValue(ou("ReferenceId")) >>= noteId) && noteId == id)
-            return true;
+        sal_Int16 id = -1;
+        if (note.is() && (note->getPropertyValue(ou("ReferenceId")) >>= id))
+            ids.insert(id);
     }
-    return false;
+    return ids;
 }
 
 } // namespace
@@ -54,53 +61,63 @@ bool hasNote(const uno::Reference<container::XIndexAccess> &notes, sal_Int16 id)
 ZylReferences::ZylReferences(const uno::Reference<text::XTextDocument> &document) : m_document(document)
 {
     try {
+        const auto references = fieldsOf(document, "com.sun.star.text.TextField.GetReference");
+        if (references.empty())
+            return;
+        const Targets before = targets();
         // Wherever they are: in tables and frames, and in headers, where an orphan would show an
         // error on every page that stays. One whose target is missing already keeps the text the
         // file stored for it.
-        for (const auto &field : fieldsOf(document, "com.sun.star.text.TextField.GetReference")) {
-            if (targetExists(field))
-                m_noted.push_back({field, field->getPresentation(false)});
+        for (const auto &field : references) {
+            uno::Reference<beans::XPropertySet> props(field, uno::UNO_QUERY_THROW);
+            Noted noted;
+            noted.field = field;
+            props->getPropertyValue(ou("ReferenceFieldSource")) >>= noted.source;
+            props->getPropertyValue(ou("SequenceNumber")) >>= noted.number;
+            props->getPropertyValue(ou("SourceName")) >>= noted.name;
+            if (!exists(noted, before))
+                continue;
+            noted.text = field->getPresentation(false);
+            m_noted.push_back(std::move(noted));
         }
     } catch (const uno::Exception &) {
         m_noted.clear();
     }
 }
 
-bool ZylReferences::targetExists(const uno::Reference<text::XTextField> &field) const
+ZylReferences::Targets ZylReferences::targets() const
 {
-    uno::Reference<beans::XPropertySet> props(field, uno::UNO_QUERY_THROW);
-    sal_Int16 source = 0;
-    sal_Int16 number = 0;
-    rtl::OUString name;
-    props->getPropertyValue(ou("ReferenceFieldSource")) >>= source;
-    props->getPropertyValue(ou("SequenceNumber")) >>= number;
-    props->getPropertyValue(ou("SourceName")) >>= name;
-    using Bookmarks = text::XBookmarksSupplier;
-    using Marks = text::XReferenceMarksSupplier;
-    using Footnotes = text::XFootnotesSupplier;
-    using Endnotes = text::XEndnotesSupplier;
-    switch (source) {
+    Targets t;
+    t.bookmarks = namesOf(uno::Reference<text::XBookmarksSupplier>(m_document, uno::UNO_QUERY_THROW)->getBookmarks());
+    t.marks = namesOf(uno::Reference<text::XReferenceMarksSupplier>(m_document, uno::UNO_QUERY_THROW)->getReferenceMarks());
+    t.footnotes = idsOf(uno::Reference<text::XFootnotesSupplier>(m_document, uno::UNO_QUERY_THROW)->getFootnotes());
+    t.endnotes = idsOf(uno::Reference<text::XEndnotesSupplier>(m_document, uno::UNO_QUERY_THROW)->getEndnotes());
+    for (const auto &sequence : fieldsOf(m_document, "com.sun.star.text.TextField.SetExpression")) {
+        uno::Reference<beans::XPropertySet> values(sequence, uno::UNO_QUERY);
+        uno::Reference<text::XDependentTextField> dependent(sequence, uno::UNO_QUERY);
+        sal_Int16 value = -1;
+        rtl::OUString master;
+        if (values.is() && dependent.is() && dependent->getTextFieldMaster().is())
+            dependent->getTextFieldMaster()->getPropertyValue(ou("Name")) >>= master;
+        if (values.is() && (values->getPropertyValue(ou("SequenceValue")) >>= value))
+            t.sequences.emplace(master, value);
+    }
+    return t;
+}
+
+bool ZylReferences::exists(const Noted &reference, const Targets &targets)
+{
+    switch (reference.source) {
     case text::ReferenceFieldSource::BOOKMARK:
-        return uno::Reference<Bookmarks>(m_document, uno::UNO_QUERY_THROW)->getBookmarks()->hasByName(name);
+        return targets.bookmarks.count(reference.name) > 0;
     case text::ReferenceFieldSource::REFERENCE_MARK:
-        return uno::Reference<Marks>(m_document, uno::UNO_QUERY_THROW)->getReferenceMarks()->hasByName(name);
+        return targets.marks.count(reference.name) > 0;
     case text::ReferenceFieldSource::FOOTNOTE:
-        return hasNote(uno::Reference<Footnotes>(m_document, uno::UNO_QUERY_THROW)->getFootnotes(), number);
+        return targets.footnotes.count(reference.number) > 0;
     case text::ReferenceFieldSource::ENDNOTE:
-        return hasNote(uno::Reference<Endnotes>(m_document, uno::UNO_QUERY_THROW)->getEndnotes(), number);
+        return targets.endnotes.count(reference.number) > 0;
     case text::ReferenceFieldSource::SEQUENCE_FIELD:
-        for (const auto &sequence : fieldsOf(m_document, "com.sun.star.text.TextField.SetExpression")) {
-            uno::Reference<beans::XPropertySet> values(sequence, uno::UNO_QUERY);
-            uno::Reference<text::XDependentTextField> dependent(sequence, uno::UNO_QUERY);
-            sal_Int16 value = -1;
-            rtl::OUString master;
-            if (values.is() && dependent.is() && dependent->getTextFieldMaster().is())
-                dependent->getTextFieldMaster()->getPropertyValue(ou("Name")) >>= master;
-            if (values.is() && (values->getPropertyValue(ou("SequenceValue")) >>= value) && value == number
-                && master == name)
-                return true;
-        }
-        return false;
+        return targets.sequences.count({reference.name, reference.number}) > 0;
     default:
         return true;
     }
@@ -108,13 +125,25 @@ bool ZylReferences::targetExists(const uno::Reference<text::XTextField> &field) 
 
 void ZylReferences::keepOrphanedTexts() const
 {
+    if (m_noted.empty())
+        return;
+    Targets after;
+    // What went with the cut waits in the undo steps, where a field would still answer for its
+    // anchor; only the document's fields are listed.
+    std::set<const void *> staying;
+    try {
+        after = targets();
+        for (const auto &field : fieldsOf(m_document, "com.sun.star.text.TextField.GetReference"))
+            staying.insert(uno::Reference<uno::XInterface>(field, uno::UNO_QUERY).get());
+    } catch (const uno::Exception &) {
+        return;
+    }
     for (const Noted &noted : m_noted) {
+        if (!staying.count(uno::Reference<uno::XInterface>(noted.field, uno::UNO_QUERY).get()) || exists(noted, after))
+            continue;
         try {
-            // A field that went with the cut has no anchor any more.
             const uno::Reference<text::XTextRange> anchor = noted.field->getAnchor();
-            if (!anchor.is() || targetExists(noted.field))
-                continue;
-            const uno::Reference<text::XText> text = anchor->getText();
+            const uno::Reference<text::XText> text = anchor.is() ? anchor->getText() : nullptr;
             if (!text.is())
                 continue;
             text->insertString(anchor->getStart(), noted.text, false);

@@ -51,18 +51,40 @@ using namespace css;
 
 namespace {
 
+// Nodes an undo step may hold, well below what the office can hold in all of them.
+constexpr int kUndoStepNodes = 16000;
+
 // Groups everything done in its lifetime into one undo step.
 class UndoContext {
 public:
     UndoContext(const uno::Reference<text::XTextDocument> &document, const char *title)
+        : m_title(ou(title))
     {
         uno::Reference<document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
         if (supplier.is())
             m_manager = supplier->getUndoManager();
         if (m_manager.is())
-            m_manager->enterUndoContext(ou(title));
+            m_manager->enterUndoContext(m_title);
     }
-    ~UndoContext()
+    ~UndoContext() { leave(); }
+    UndoContext(const UndoContext &) = delete;
+    UndoContext &operator=(const UndoContext &) = delete;
+
+    // The office drops its oldest undo steps to keep their nodes under about 64,000, and never
+    // returns when the step still open holds more. Before the step would grow that large, what
+    // follows goes into a step of its own.
+    void willRemove(int nodes)
+    {
+        if (m_nodes > 0 && m_nodes + nodes > kUndoStepNodes && m_manager.is()) {
+            leave();
+            m_manager->enterUndoContext(m_title);
+            m_nodes = 0;
+        }
+        m_nodes += nodes;
+    }
+
+private:
+    void leave()
     {
         if (!m_manager.is())
             return;
@@ -71,11 +93,10 @@ public:
         } catch (const uno::Exception &) {
         }
     }
-    UndoContext(const UndoContext &) = delete;
-    UndoContext &operator=(const UndoContext &) = delete;
 
-private:
     uno::Reference<document::XUndoManager> m_manager;
+    rtl::OUString m_title;
+    int m_nodes = 0;
 };
 
 // Every change to a document whose controllers are unlocked lays it out again: a cut of a
@@ -761,7 +782,27 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             keptNumber = printedNumberAt(l.elements[size_t(keptIndex)]);
     }
     if (cut.start != CutEnd::Boundary && cut.end != CutEnd::Boundary) {
-        deleteText(l, cut.rs, cut.re, cut.fromVirtualMark, cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1);
+        // The text deletion is one undo action: what lies whole between its ends goes first where
+        // it holds more than one step can.
+        const int from = std::max(cut.firstWhole, cut.startIndex + 1);
+        int nodes = 0;
+        for (int i = from; i <= cut.lastWhole && nodes <= kUndoStepNodes; ++i)
+            nodes += nodesOf(l.elements[size_t(i)]);
+        int re = cut.re;
+        int followerIndex = cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1;
+        Layout rest = l;
+        if (nodes > kUndoStepNodes) {
+            {
+                LayoutLock lock(m_document);
+                removeWhole(l, from, cut.lastWhole, [&](int n) { undo.willRemove(n); });
+            }
+            const Element &lastWhole = l.elements[size_t(cut.lastWhole)];
+            re -= lastWhole.base + lastWhole.length + 1 - l.elements[size_t(from)].base;
+            if (followerIndex >= 0)
+                followerIndex -= cut.lastWhole - from + 1;
+            rest = layout();
+        }
+        deleteText(rest, cut.rs, re, cut.fromVirtualMark, followerIndex);
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
         keepDividedLooks(cut, kept);
@@ -778,7 +819,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         LayoutLock lock(m_document);
         cutPartialEnds(l, cut);
         cutTableRows(l, cut);
-        removeWhole(l, cut.firstWhole, cut.lastWhole);
+        removeWhole(l, cut.firstWhole, cut.lastWhole, [&](int nodes) { undo.willRemove(nodes); });
         settleAfterCut(l, cut, followerIndex, follower);
     }
     if (kept.valid)
@@ -982,8 +1023,16 @@ void ZylTextModel::cutTableRows(const Layout &l, const Cut &cut)
         removeRows(l.elements[size_t(cut.endIndex)], headingRows(l.elements[size_t(cut.endIndex)]), cut.rowsTo);
 }
 
-void ZylTextModel::removeWhole(const Layout &l, int first, int last)
+int ZylTextModel::nodesOf(const Element &e)
 {
+    // A cell holds a start, an end and a paragraph.
+    const uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY);
+    return table.is() ? 3 * int(table->getCellNames().getLength()) + 2 : 1;
+}
+
+void ZylTextModel::removeWhole(const Layout &l, int first, int last, const std::function<void(int)> &willRemove)
+{
+
     // An index's heading cannot go on its own: an index that lies wholly in the cut goes as one.
     const auto indexOf = [&](int i) -> uno::Reference<text::XDocumentIndex> {
         uno::Reference<beans::XPropertySet> props(i >= 0 && i < int(l.elements.size()) && !l.elements[size_t(i)].isTable
@@ -1002,6 +1051,7 @@ void ZylTextModel::removeWhole(const Layout &l, int first, int last)
         indexes.push_back(indexOf(i));
     for (int i = last; i >= first; --i) {
         const uno::Reference<text::XDocumentIndex> &index = indexes[size_t(i - first)];
+        willRemove(nodesOf(l.elements[size_t(i)]));
         if (index.is() && index != before && index != after) {
             if (i == first || indexes[size_t(i - first - 1)] != index)
                 index->dispose();

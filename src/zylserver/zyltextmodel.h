@@ -22,6 +22,7 @@
 // office tells its undo manager's listeners), an undo among them, drops everything.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -167,8 +168,11 @@ private:
     static void balanceCutEnds(const Layout &l, Cut &cut);
     void cutPartialEnds(const Layout &l, const Cut &cut);
     static void cutTableRows(const Layout &l, const Cut &cut);
-    // Removes the elements first to last, each whole.
-    static void removeWhole(const Layout &l, int first, int last);
+    // About how many nodes e holds, which a cut moves into the undo steps.
+    static int nodesOf(const Element &e);
+    // Removes the elements first to last, each whole, telling willRemove before each goes how
+    // many nodes it holds.
+    static void removeWhole(const Layout &l, int first, int last, const std::function<void(int)> &willRemove);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
     // The parts of paragraphs that a cut divided where a page begins keep their look on that page;

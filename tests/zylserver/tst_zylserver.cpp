@@ -192,6 +192,8 @@ private slots:
     void deleteThroughSplitTable_data();
     void deleteThroughSplitTable();
     void pageBeginsInNestedTable();
+    void longCutEnds_data();
+    void longCutEnds();
     void sectionProtection_data();
     void sectionProtection();
     void appendDocument_data();
@@ -205,6 +207,7 @@ private slots:
     void cutFirstPage_data();
     void cutFirstPage();
     void appendMadeDocument();
+    void linkFieldSavesAsDoc();
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
     void fullPageTable_data();
@@ -664,6 +667,33 @@ void tst_ZylServer::pageBeginsInNestedTable()
     QCOMPARE(ZylTestDocuments::pageTexts(path), texts);
 }
 
+void tst_ZylServer::longCutEnds_data()
+{
+    QTest::addColumn<bool>("keepFirst");
+    QTest::newRow("keeps_first_page") << true;
+    QTest::newRow("keeps_last_page") << false;
+}
+
+void tst_ZylServer::longCutEnds()
+{
+    // The office never ends an undo step that holds more than about 64,000 nodes; these tables
+    // hold 72,000 between a first and a last page.
+    QFETCH(bool, keepFirst);
+    const QString row = QStringLiteral("<table:table-row>") + QStringLiteral("<table:table-cell><text:p>c</text:p></table:table-cell>").repeated(4)
+        + QStringLiteral("</table:table-row>");
+    const QString table = QStringLiteral("<table:table><table:table-column table:number-columns-repeated=\"4\"/>%1</table:table>")
+                              .arg(row.repeated(250));
+    const QString path = fromFlat(QStringLiteral("long.zyl"), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\"/></style:style></office:automatic-styles><office:body><office:text>"
+        "<text:p>first page</text:p><text:p text:style-name=\"B\">table pages</text:p>%1"
+        "<text:p text:style-name=\"B\">last page</text:p></office:text></office:body>").arg(table.repeated(24))));
+    const int pages = pageCount(path);
+    QVERIFY(pages > 100);
+    QCOMPARE(edited(path, keepFirst ? cutting(2, pages) : cutting(1, pages - 1)), 1);
+    QCOMPARE(ZylTestDocuments::pageTexts(path), QStringList{keepFirst ? QStringLiteral("first page") : QStringLiteral("last page")});
+}
+
 void tst_ZylServer::sectionProtection_data()
 {
     QTest::addColumn<QString>("body");
@@ -840,6 +870,8 @@ void tst_ZylServer::appendMadeDocument_data()
         QStringLiteral("<text:p>source body</text:p>"));
     QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body"} << QSize(595, 842);
     QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body"} << QSize(595, 842);
+    QTest::newRow("grouped_shapes_in_header") << QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx") << QByteArray()
+                                              << QStringList{"Analyste"} << QSize(595, 842);
     // Lines in paragraph style P1, whose own properties differ from those of its parent Standard.
     const auto lines = [](int count, const QString &standard, const QString &own, bool inTable) {
         QString body;
@@ -991,6 +1023,15 @@ void tst_ZylServer::appendMadeDocument()
         QVERIFY2(printed[i + 1].contains(texts[i]), qPrintable(printed[i + 1]));
         QVERIFY(size.isEmpty() || sizes[i + 1] == size);
     }
+}
+
+void tst_ZylServer::linkFieldSavesAsDoc()
+{
+    // A legacy link field keeps its object's data in a storage of its file's own, which the merged
+    // document lacked: saving that as .doc failed.
+    const QString target = workCopy(m_one, QStringLiteral("link-target.docx"));
+    const QString saved = m_dir.filePath(QStringLiteral("link-merged.doc"));
+    QCOMPARE(edited(target, appending({QStringLiteral(ZYL_TEST_DATA "/link-field.doc")}), saved), 2);
 }
 
 void tst_ZylServer::cutKeepsPageLook_data()
