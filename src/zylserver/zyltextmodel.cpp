@@ -1148,6 +1148,22 @@ void ZylTextModel::removeRows(const Element &e, int from, int to)
     table->getRows()->removeByIndex(from, to - from);
 }
 
+void ZylTextModel::startRunAtBreak(const Element &e)
+{
+    // The Word format keeps the end of a run of page styles in the run's last paragraph and drops
+    // that paragraph on reading where it is empty: an empty page that a break starts went with it.
+    // Starting a run of its own, the paragraph no longer ends the one before.
+    if (e.isTable || e.length != 0)
+        return;
+    const BreakState state = breakStateOf(e);
+    if (!state.valid || state.breakType != style::BreakType_PAGE_BEFORE || !state.pageDesc.isEmpty()
+        || state.layoutStyle.isEmpty())
+        return;
+    uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY_THROW);
+    props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_NONE));
+    props->setPropertyValue(ou("PageDescName"), uno::Any(ZylPageStyleImport::continuedStyle(m_document, state.layoutStyle)));
+}
+
 ZylTextModel::BreakState ZylTextModel::breakStateOf(const Element &e)
 {
     BreakState state;
@@ -1346,6 +1362,8 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
         // attributes: name the style on whatever now starts at the insertion point.
         const Layout now = layout();
+        if (start > 0 && size_t(start) <= now.elements.size())
+            startRunAtBreak(now.elements[size_t(start - 1)]);
         if (size_t(start) < now.elements.size()) {
             uno::Reference<beans::XPropertySet> props(now.elements[size_t(start)].content, uno::UNO_QUERY);
             touch(start, start + 1);

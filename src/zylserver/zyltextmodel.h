@@ -187,6 +187,8 @@ private:
     // Deletes from one point in paragraph text to another; followerIndex names the element that
     // begins right after the cut, or -1.
     void deleteText(const Layout &l, int rs, int re, bool fromVirtualMark, int followerIndex);
+    // An empty paragraph that a page break starts begins a run of its page style instead.
+    void startRunAtBreak(const Element &e);
     // Gives the inserted content's last paragraph, at index, the break it lost.
     static void restoreLastBreak(const Layout &l, int index, const ZylPageStyleImport::EdgeParagraph &known);
     // Puts the paragraph at index, whose list arrived under another name, into the list of the one

@@ -733,25 +733,30 @@ void tst_ZylServer::appendDocument_data()
 {
     QTest::addColumn<QString>("suffix");
     QTest::addColumn<int>("lastKind"); // of the second source's last page
+    QTest::addColumn<QString>("lastText");
+    const QString text = QStringLiteral("second charlie");
     // The formats differ in whether the inserted content ends in a paragraph of its own.
-    QTest::newRow("docx_source") << QStringLiteral("docx") << int(Page::Text);
-    QTest::newRow("doc_source") << QStringLiteral("doc") << int(Page::Text);
-    QTest::newRow("zyl_source") << QStringLiteral("zyl") << int(Page::Text);
+    QTest::newRow("docx_source") << QStringLiteral("docx") << int(Page::Text) << text;
+    QTest::newRow("doc_source") << QStringLiteral("doc") << int(Page::Text) << text;
+    QTest::newRow("zyl_source") << QStringLiteral("zyl") << int(Page::Text) << text;
     // Content that ends in a table lost the table's last row.
-    QTest::newRow("doc_source_ending_in_table") << QStringLiteral("doc") << int(Page::TableStart);
-    QTest::newRow("zyl_source_ending_in_table") << QStringLiteral("zyl") << int(Page::TableStart);
+    QTest::newRow("doc_source_ending_in_table") << QStringLiteral("doc") << int(Page::TableStart) << text;
+    QTest::newRow("zyl_source_ending_in_table") << QStringLiteral("zyl") << int(Page::TableStart) << text;
     // A last paragraph of only a picture lost the picture.
-    QTest::newRow("docx_source_ending_in_picture") << QStringLiteral("docx") << int(Page::Image);
+    QTest::newRow("docx_source_ending_in_picture") << QStringLiteral("docx") << int(Page::Image) << text;
+    // A last page of one empty paragraph was lost when the merged document was read back.
+    QTest::newRow("docx_source_ending_in_empty_page") << QStringLiteral("docx") << int(Page::Text) << QString();
 }
 
 void tst_ZylServer::appendDocument()
 {
     QFETCH(QString, suffix);
     QFETCH(int, lastKind);
+    QFETCH(QString, lastText);
     const QString a = pageDoc(QStringLiteral("append-a.docx"), ZylTestDocuments::pages({"first alpha", "first bravo"}));
-    QVector<Page> second = ZylTestDocuments::pages({"second alpha", "second bravo", "second charlie"});
+    QVector<Page> second = ZylTestDocuments::pages({"second alpha", "second bravo", lastText});
     second.last().kind = Page::Kind(lastKind);
-    const QString b = pageDoc(QStringLiteral("append-b%1.%2").arg(lastKind).arg(suffix), second);
+    const QString b = pageDoc(QStringLiteral("append-b%1%2.%3").arg(lastKind).arg(lastText.isEmpty()).arg(suffix), second);
     // The second source has lost its first pages, the way a page range is taken from a file.
     const QString c = workCopy(pageDoc(QStringLiteral("append-c.") + suffix, ZylTestDocuments::pages({"third alpha", "third bravo", "third charlie"})), QStringLiteral("append-c-cut.") + suffix);
     QCOMPARE(edited(c, cutting(1, 2)), 1);
