@@ -727,6 +727,8 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         e->getPropertyValue(ou("BreakType")) >>= p.breakType;
         p.pageStyle = stringProperty(e, "PageDescName");
         e->getPropertyValue(ou("NumberingLevel")) >>= p.level;
+        const uno::Reference<text::XTextRange> text(e, uno::UNO_QUERY);
+        p.empty = text.is() && text->getString().isEmpty();
         const rtl::OUString list = stringProperty(e, "ListId");
         p.sharesList = next < elements.size() && next != at && !isTable(next) && !list.isEmpty()
             && list == stringProperty(elements[next], "ListId")

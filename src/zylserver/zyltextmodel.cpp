@@ -1290,7 +1290,7 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     const std::string utf8 = url.toStdString();
     const int objectsBefore = drawnObjects();
     insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());
-    const Layout after = layout();
+    Layout after = layout();
     // Inserting fails silently (missing, encrypted or unreadable files): judge by the result. A
     // page of pictures only may bring nothing but pictures into the paragraph inserted into.
     const bool textArrived = after.elements.size() != before.elements.size() || after.length != before.length;
@@ -1305,6 +1305,15 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     // ends with its own mark and what followed the insertion point starts a paragraph.
     const int contentEnd = point + (after.length - before.length);
     const int index = elementAt(after, contentEnd);
+    if (textArrived && known.last.empty && index > elementAt(after, point) && !after.elements[size_t(index)].isTable
+        && after.elements[size_t(index)].length == 0) {
+        // An empty last paragraph ends where the paragraph inserted into goes on, and would be
+        // taken for it: it gets a mark of its own.
+        touch(index, index + 1);
+        m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursorAt(after, contentEnd), uno::UNO_QUERY_THROW),
+                                       text::ControlCharacter::PARAGRAPH_BREAK, false);
+        after = layout();
+    }
     // Content that ends in a table has no mark of its own either: the paragraph after the table
     // is the one inserted into, and taking a mark from it would take the table's last row.
     const bool endsInTable = index > 0 && after.elements[size_t(index - 1)].isTable;

@@ -973,13 +973,20 @@ void tst_ZylServer::appendMadeDocument_data()
     QTest::newRow("no_spacing_at_page_tops_zyl") << noTopSpacing << QByteArray() << QStringList{"first page", "line 35"} << QSize();
     // The first and last paragraphs of a source lost their places in the list, the last its page
     // break too.
-    QTest::newRow("last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << ZylTestDocuments::flatDocument(QStringLiteral(
-        "<office:automatic-styles><text:list-style style:name=\"L\"><text:list-level-style-number text:level=\"1\""
-        " style:num-suffix=\".\" style:num-format=\"1\"/></text:list-style><style:style style:name=\"B\" style:family=\"paragraph\">"
-        "<style:paragraph-properties fo:break-before=\"page\"/></style:style></office:automatic-styles><office:body><office:text>"
-        "<text:list text:style-name=\"L\"><text:list-item><text:p>one</text:p></text:list-item><text:list-item><text:p>two</text:p>"
-        "</text:list-item><text:list-item><text:p text:style-name=\"B\">three</text:p></text:list-item></text:list></office:text>"
-        "</office:body>")) << QStringList{"1.one", "3.three"} << QSize();
+    const auto numbered = [](const QString &last) {
+        return ZylTestDocuments::flatDocument(QStringLiteral(
+            "<office:automatic-styles><text:list-style style:name=\"L\"><text:list-level-style-number text:level=\"1\""
+            " style:num-suffix=\".\" style:num-format=\"1\"/></text:list-style><style:style style:name=\"B\" style:family=\"paragraph\">"
+            "<style:paragraph-properties fo:break-before=\"page\"/></style:style></office:automatic-styles><office:body><office:text>"
+            "<text:list text:style-name=\"L\"><text:list-item><text:p>one</text:p></text:list-item><text:list-item><text:p>two</text:p>"
+            "</text:list-item><text:list-item><text:p text:style-name=\"B\">%1</text:p></text:list-item></text:list></office:text>"
+            "</office:body>").arg(last));
+    };
+    QTest::newRow("last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QStringLiteral("three"))
+                                                         << QStringList{"1.one", "3.three"} << QSize();
+    // An empty one was taken for the paragraph inserted into, and went with its page.
+    QTest::newRow("empty_last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QString())
+                                                               << QStringList{"1.one", "3."} << QSize();
     // Given its style again, a last paragraph taken out of its style's list got a number.
     const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
     const QByteArray rels = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
