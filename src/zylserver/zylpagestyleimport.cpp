@@ -763,21 +763,6 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     return true;
 }
 
-bool ZylPageStyleImport::documentSetting(const uno::Reference<text::XTextDocument> &document, const char *name,
-                                         bool fallback)
-{
-    try {
-        uno::Reference<lang::XMultiServiceFactory> factory(document, uno::UNO_QUERY_THROW);
-        uno::Reference<beans::XPropertySet> settings(factory->createInstance(ou("com.sun.star.text.DocumentSettings")),
-                                                     uno::UNO_QUERY_THROW);
-        bool value = fallback;
-        settings->getPropertyValue(ou(name)) >>= value;
-        return value;
-    } catch (const uno::Exception &) {
-        return fallback;
-    }
-}
-
 bool ZylPageStyleImport::dropSpacingAtPageTops(const uno::Reference<frame::XModel> &model,
                                                const uno::Reference<text::XTextDocument> &source,
                                                const uno::Reference<text::XTextDocument> &target)

@@ -66,9 +66,6 @@ public:
     // Sets the paragraph's style and keeps the values the paragraph sets itself.
     static void setParagraphStyle(const css::uno::Reference<css::beans::XPropertySet> &paragraph,
                                   const rtl::OUString &style);
-    // A boolean of the document's settings (com.sun.star.text.DocumentSettings); fallback when unknown.
-    static bool documentSetting(const css::uno::Reference<css::text::XTextDocument> &document, const char *name,
-                                bool fallback);
     // After the prepared copy was inserted into target: its tracked changes as in the source.
     void restoreChanges(const css::uno::Reference<css::text::XTextDocument> &target) const { m_changes.restore(target); }
 

@@ -861,7 +861,7 @@ void ZylTextModel::keepDividedLooks(const Cut &cut, const BreakState &kept)
 
 bool ZylTextModel::spacingAtPageTops()
 {
-    return ZylPageStyleImport::documentSetting(m_document, "AddParaTableSpacing", true);
+    return documentSetting(m_document, "AddParaTableSpacing", true);
 }
 
 int ZylTextModel::printedNumberAt(const Element &e)
