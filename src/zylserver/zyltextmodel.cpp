@@ -790,7 +790,8 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             nodes += nodesOf(l.elements[size_t(i)]);
         int re = cut.re;
         int followerIndex = cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1;
-        Layout rest = l;
+        const Layout *rest = &l;
+        Layout shortened;
         if (nodes > kUndoStepNodes) {
             {
                 LayoutLock lock(m_document);
@@ -800,9 +801,10 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             re -= lastWhole.base + lastWhole.length + 1 - l.elements[size_t(from)].base;
             if (followerIndex >= 0)
                 followerIndex -= cut.lastWhole - from + 1;
-            rest = layout();
+            shortened = layout();
+            rest = &shortened;
         }
-        deleteText(rest, cut.rs, re, cut.fromVirtualMark, followerIndex);
+        deleteText(*rest, cut.rs, re, cut.fromVirtualMark, followerIndex);
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
         keepDividedLooks(cut, kept);
@@ -1032,7 +1034,6 @@ int ZylTextModel::nodesOf(const Element &e)
 
 void ZylTextModel::removeWhole(const Layout &l, int first, int last, const std::function<void(int)> &willRemove)
 {
-
     // An index's heading cannot go on its own: an index that lies wholly in the cut goes as one.
     const auto indexOf = [&](int i) -> uno::Reference<text::XDocumentIndex> {
         uno::Reference<beans::XPropertySet> props(i >= 0 && i < int(l.elements.size()) && !l.elements[size_t(i)].isTable
@@ -1371,8 +1372,10 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
         // Some formats merge their first paragraph into the one inserted into, which keeps its own
         // attributes: name the style on whatever now starts at the insertion point.
         const Layout now = layout();
-        if (start > 0 && size_t(start) <= now.elements.size())
+        if (start > 0 && size_t(start) <= now.elements.size()) {
+            touch(start - 1, start);
             startRunAtBreak(now.elements[size_t(start - 1)]);
+        }
         if (size_t(start) < now.elements.size()) {
             uno::Reference<beans::XPropertySet> props(now.elements[size_t(start)].content, uno::UNO_QUERY);
             touch(start, start + 1);
