@@ -1027,6 +1027,8 @@ void ZylTextModel::cutTableRows(const Layout &l, const Cut &cut)
 
 int ZylTextModel::nodesOf(const Element &e)
 {
+    if (!e.isTable)
+        return 1;
     // A cell holds a start, an end and a paragraph.
     const uno::Reference<text::XTextTable> table(e.content, uno::UNO_QUERY);
     return table.is() ? 3 * int(table->getCellNames().getLength()) + 2 : 1;
