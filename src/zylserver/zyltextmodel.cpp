@@ -808,7 +808,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         if (kept.valid)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
         keepDividedLooks(cut, kept);
-        references.keepOrphanedTexts();
+        keepOrphanedTexts(references);
         return S_OK;
     }
 
@@ -827,8 +827,14 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     if (kept.valid)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
     keepDividedLooks(cut, kept);
-    references.keepOrphanedTexts();
+    keepOrphanedTexts(references);
     return S_OK;
+}
+
+void ZylTextModel::keepOrphanedTexts(const ZylReferences &references)
+{
+    LayoutLock lock(m_document);
+    references.keepOrphanedTexts();
 }
 
 void ZylTextModel::keepDividedLooks(const Cut &cut, const BreakState &kept)

@@ -39,6 +39,8 @@
 
 #include "zylpagestyleimport.h"
 
+class ZylReferences;
+
 class ZylTextModel {
 public:
     explicit ZylTextModel(const css::uno::Reference<css::text::XTextDocument> &document);
@@ -173,6 +175,8 @@ private:
     // Removes the elements first to last, each whole, telling willRemove before each goes how
     // many nodes it holds.
     static void removeWhole(const Layout &l, int first, int last, const std::function<void(int)> &willRemove);
+    // Cross-references whose target went with a cut become the text they showed.
+    void keepOrphanedTexts(const ZylReferences &references);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
     // The parts of paragraphs that a cut divided where a page begins keep their look on that page;
