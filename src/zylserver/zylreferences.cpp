@@ -1,6 +1,5 @@
 #include "zylreferences.h"
 
-#include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
@@ -69,17 +68,13 @@ ZylReferences::ZylReferences(const uno::Reference<text::XTextDocument> &document
         // Wherever they are: in tables and frames, and in headers, where an orphan would show an
         // error on every page that stays. One whose target is missing already keeps the text the
         // file stored for it.
-        // One call per field for what names its target: a document may hold thousands.
-        const rtl::OUString targetNames[] = {ou("ReferenceFieldSource"), ou("SequenceNumber"), ou("SourceName")};
-        const uno::Sequence<rtl::OUString> names(targetNames, 3);
         for (const auto &field : references) {
-            uno::Reference<beans::XMultiPropertySet> props(field, uno::UNO_QUERY_THROW);
-            const uno::Sequence<uno::Any> values = props->getPropertyValues(names);
+            uno::Reference<beans::XPropertySet> props(field, uno::UNO_QUERY_THROW);
             Noted noted;
             noted.field = field;
-            values[0] >>= noted.source;
-            values[1] >>= noted.number;
-            values[2] >>= noted.name;
+            props->getPropertyValue(ou("ReferenceFieldSource")) >>= noted.source;
+            props->getPropertyValue(ou("SequenceNumber")) >>= noted.number;
+            props->getPropertyValue(ou("SourceName")) >>= noted.name;
             if (!exists(noted, before))
                 continue;
             noted.text = field->getPresentation(false);

@@ -1314,10 +1314,12 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     // ends with its own mark and what followed the insertion point starts a paragraph.
     const int contentEnd = point + (after.length - before.length);
     const int index = elementAt(after, contentEnd);
-    if (textArrived && known.last.empty && index > elementAt(after, point) && !after.elements[size_t(index)].isTable
+    const bool emptyLastStartsPage = known.last.empty
+        && (known.last.breakType != style::BreakType_NONE || !known.last.pageStyle.isEmpty());
+    if (textArrived && emptyLastStartsPage && index > elementAt(after, point) && !after.elements[size_t(index)].isTable
         && after.elements[size_t(index)].length == 0) {
-        // An empty last paragraph ends where the paragraph inserted into goes on, and would be
-        // taken for it: it gets a mark of its own.
+        // An empty last paragraph that starts a page ends where the paragraph inserted into goes
+        // on, and would be taken for it, its page with it: it gets a mark of its own.
         touch(index, index + 1);
         m_text->insertControlCharacter(uno::Reference<text::XTextRange>(cursorAt(after, contentEnd), uno::UNO_QUERY_THROW),
                                        text::ControlCharacter::PARAGRAPH_BREAK, false);
