@@ -727,8 +727,9 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         e->getPropertyValue(ou("BreakType")) >>= p.breakType;
         p.pageStyle = stringProperty(e, "PageDescName");
         e->getPropertyValue(ou("NumberingLevel")) >>= p.level;
+        // Told of a last paragraph only, where it is not the first as well.
         const uno::Reference<text::XTextRange> text(e, uno::UNO_QUERY);
-        p.empty = text.is() && text->getString().isEmpty();
+        p.empty = at > 0 && text.is() && text->getString().isEmpty();
         const rtl::OUString list = stringProperty(e, "ListId");
         p.sharesList = next < elements.size() && next != at && !isTable(next) && !list.isEmpty()
             && list == stringProperty(elements[next], "ListId")

@@ -59,7 +59,7 @@ public:
         rtl::OUString pageStyle;
         bool sharesList = false; // with the content's paragraph next to it
         sal_Int16 level = 0;
-        bool empty = false; // holds no text
+        bool empty = false; // a last paragraph, after others, that holds no text
     };
     EdgeParagraph firstParagraph() const { return m_first; }
     EdgeParagraph lastParagraph() const { return m_last; }
