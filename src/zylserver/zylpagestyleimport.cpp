@@ -19,6 +19,7 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
@@ -29,6 +30,9 @@
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
+#include <com/sun/star/graphic/GraphicProvider.hpp>
+#include <com/sun/star/graphic/XGraphic.hpp>
+#include <com/sun/star/io/SequenceInputStream.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
@@ -42,6 +46,7 @@
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XParagraphCursor.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
+#include <com/sun/star/text/XTextGraphicObjectsSupplier.hpp>
 #include <com/sun/star/text/XTextCopy.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
@@ -485,10 +490,45 @@ QString fileUrl(const QString &path)
     return QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
 }
 
-// Stores the document under a fresh name in folder; empty when that failed.
-QString storeCopy(const uno::Reference<text::XTextDocument> &document, const QString &folder, const char *filter,
-                  const QString &suffix)
+// A stored copy leaves out a picture whose data the document lacks (its package misses the
+// file), and the text around it moves up. Each such picture gets a blank one: it keeps its place.
+void fillMissingPictures(const uno::Reference<uno::XComponentContext> &context,
+                         const uno::Reference<text::XTextDocument> &document)
 {
+    uno::Reference<text::XTextGraphicObjectsSupplier> supplier(document, uno::UNO_QUERY);
+    const uno::Reference<container::XIndexAccess> pictures(supplier.is() ? supplier->getGraphicObjects() : nullptr,
+                                                           uno::UNO_QUERY);
+    uno::Reference<graphic::XGraphic> blank;
+    for (sal_Int32 i = 0; pictures.is() && i < pictures->getCount(); ++i) {
+        uno::Reference<beans::XPropertySet> picture(pictures->getByIndex(i), uno::UNO_QUERY);
+        uno::Reference<graphic::XGraphic> graphic;
+        if (!picture.is() || ((picture->getPropertyValue(ou("Graphic")) >>= graphic) && graphic.is()))
+            continue;
+        if (!blank.is()) {
+            // One transparent pixel.
+            static const unsigned char png[] = {
+                0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a, 0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52, 0x00,
+                0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x08, 0x06, 0x00, 0x00, 0x00, 0x1f, 0x15, 0xc4, 0x89, 0x00,
+                0x00, 0x00, 0x0b, 0x49, 0x44, 0x41, 0x54, 0x78, 0xda, 0x63, 0x60, 0x00, 0x02, 0x00, 0x00, 0x05, 0x00,
+                0x01, 0xe9, 0xfa, 0xdc, 0xd8, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
+            const uno::Sequence<sal_Int8> bytes(reinterpret_cast<const sal_Int8 *>(png), sizeof png);
+            const beans::PropertyValue stream =
+                property("InputStream", uno::Any(io::SequenceInputStream::createStreamFromSequence(context, bytes)));
+            blank = graphic::GraphicProvider::create(context)->queryGraphic(uno::Sequence<beans::PropertyValue>(&stream, 1));
+        }
+        picture->setPropertyValue(ou("Graphic"), uno::Any(blank));
+    }
+}
+
+// Stores the document under a fresh name in folder; empty when that failed.
+QString storeCopy(const uno::Reference<uno::XComponentContext> &context, const uno::Reference<text::XTextDocument> &document,
+                  const QString &folder, const char *filter, const QString &suffix)
+{
+    try {
+        fillMissingPictures(context, document);
+    } catch (const uno::Exception &) {
+        // Such pictures are then left out.
+    }
     QString file;
     for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
         file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.%3").arg(QCoreApplication::applicationPid()).arg(n).arg(suffix));
@@ -608,7 +648,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
 
     if (hasFragileShapeOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.
-        m_path = storeCopy(source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
+        m_path = storeCopy(context, source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
         m_url = m_path.isEmpty() ? QString() : fileUrl(m_path);
         return !m_path.isEmpty();
     }
@@ -757,7 +797,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     }
     if (hasChanges)
         m_changes.mark(context, model);
-    m_path = storeCopy(source, folder, "writer8", QStringLiteral("odt"));
+    m_path = storeCopy(context, source, folder, "writer8", QStringLiteral("odt"));
     if (m_path.isEmpty())
         return false;
     m_url = fileUrl(m_path);

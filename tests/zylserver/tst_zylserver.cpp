@@ -971,6 +971,22 @@ void tst_ZylServer::appendMadeDocument_data()
          "<office:body><office:text><text:p>first page</text:p><text:p text:style-name=\"T\">second page</text:p><text:p>"
          + run.join(QStringLiteral("<text:line-break/>")).toUtf8() + "</text:p></office:text></office:body></office:document-content>"}});
     QTest::newRow("no_spacing_at_page_tops_zyl") << noTopSpacing << QByteArray() << QStringList{"first page", "line 35"} << QSize();
+    // A picture whose file its package lacks was left out of the prepared copy: the text below it
+    // moved up onto its page.
+    const QString missingPicture = m_dir.filePath(QStringLiteral("missing-picture.zyl"));
+    zipPackage(missingPicture, {
+        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+        {QStringLiteral("META-INF/manifest.xml"),
+         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
+         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
+         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
+        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+         " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+         " xmlns:xlink=\"http://www.w3.org/1999/xlink\" office:version=\"1.2\"><office:body><office:text><text:p>above</text:p>"
+         + QByteArray("<text:p><draw:frame text:anchor-type=\"as-char\" svg:width=\"5cm\" svg:height=\"15cm\"><draw:image"
+                      " xlink:href=\"Pictures/lost.png\" xlink:type=\"simple\" xlink:show=\"embed\"/></draw:frame></text:p>").repeated(2)
+         + "<text:p>below</text:p></office:text></office:body></office:document-content>"}});
+    QTest::newRow("picture_missing_from_package_zyl") << missingPicture << QByteArray() << QStringList{"above", "below"} << QSize();
     // The first and last paragraphs of a source lost their places in the list, the last its page
     // break too.
     const auto numbered = [](const QString &last) {
