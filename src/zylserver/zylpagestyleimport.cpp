@@ -400,7 +400,12 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
             }
             uno::Reference<style::XStyle> copy(factory->createInstance(ou("com.sun.star.style.ParagraphStyle")), uno::UNO_QUERY_THROW);
             sourceStyles->insertByName(fresh, uno::Any(copy));
-            copyProperties(style, uno::Reference<beans::XPropertySet>(copy, uno::UNO_QUERY_THROW), links);
+            uno::Reference<beans::XPropertySet> copied(copy, uno::UNO_QUERY_THROW);
+            copyProperties(style, copied, links);
+            // Its paragraphs stay in the style's list (headings lost their "3.1").
+            const rtl::OUString list = stringProperty(style, "NumberingStyleName");
+            if (!list.isEmpty())
+                copied->setPropertyValue(ou("NumberingStyleName"), uno::Any(list));
             found = renamed.emplace(name, fresh).first;
         }
         try {

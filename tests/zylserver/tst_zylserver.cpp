@@ -1003,7 +1003,8 @@ void tst_ZylServer::appendMadeDocument_data()
     // An empty one was taken for the paragraph inserted into, and went with its page.
     QTest::newRow("empty_last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QString())
                                                                << QStringList{"1.one", "3."} << QSize();
-    // Given its style again, a last paragraph taken out of its style's list got a number.
+    // Given its style again, a last paragraph taken out of its style's list got a number. A heading
+    // style that numbers, of a name the target defines otherwise, lost its numbers.
     const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
     const QByteArray rels = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
     const QString outOfList = m_dir.filePath(QStringLiteral("out-of-list.docx"));
@@ -1020,14 +1021,19 @@ void tst_ZylServer::appendMadeDocument_data()
          + "numbering\" Target=\"numbering.xml\"/></Relationships>"},
         {QStringLiteral("word/styles.xml"), "<w:styles " + w + "><w:style w:type=\"paragraph\" w:default=\"1\" w:styleId=\"Normal\">"
          "<w:name w:val=\"Normal\"/><w:rPr><w:sz w:val=\"30\"/></w:rPr></w:style><w:style w:type=\"paragraph\" w:styleId=\"Num\">"
-         "<w:name w:val=\"Num\"/><w:pPr><w:numPr><w:numId w:val=\"1\"/></w:numPr></w:pPr></w:style></w:styles>"},
+         "<w:name w:val=\"Num\"/><w:pPr><w:numPr><w:numId w:val=\"1\"/></w:numPr></w:pPr></w:style><w:style w:type=\"paragraph\""
+         " w:styleId=\"Heading1\"><w:name w:val=\"heading 1\"/><w:pPr><w:numPr><w:numId w:val=\"2\"/></w:numPr></w:pPr></w:style>"
+         "</w:styles>"},
         {QStringLiteral("word/numbering.xml"), "<w:numbering " + w + "><w:abstractNum w:abstractNumId=\"0\"><w:lvl w:ilvl=\"0\">"
          "<w:start w:val=\"1\"/><w:numFmt w:val=\"decimal\"/><w:lvlText w:val=\"%1.\"/></w:lvl></w:abstractNum>"
-         "<w:num w:numId=\"1\"><w:abstractNumId w:val=\"0\"/></w:num></w:numbering>"},
-        {QStringLiteral("word/document.xml"), "<w:document " + w + "><w:body><w:p><w:pPr><w:pStyle w:val=\"Num\"/></w:pPr><w:r>"
+         "<w:abstractNum w:abstractNumId=\"1\"><w:lvl w:ilvl=\"0\"><w:start w:val=\"3\"/><w:numFmt w:val=\"decimal\"/>"
+         "<w:lvlText w:val=\"%1.\"/></w:lvl></w:abstractNum><w:num w:numId=\"1\"><w:abstractNumId w:val=\"0\"/></w:num><w:num w:numId=\"2\"><w:abstractNumId w:val=\"1\"/></w:num>"
+         "</w:numbering>"},
+        {QStringLiteral("word/document.xml"), "<w:document " + w + "><w:body><w:p><w:pPr><w:pStyle w:val=\"Heading1\"/></w:pPr><w:r><w:t>Zero</w:t>"
+         "</w:r></w:p><w:p><w:pPr><w:pStyle w:val=\"Num\"/></w:pPr><w:r>"
          "<w:t>One</w:t></w:r></w:p><w:p><w:pPr><w:pStyle w:val=\"Num\"/><w:numPr><w:numId w:val=\"0\"/></w:numPr></w:pPr>"
          "<w:r><w:t>Two</w:t></w:r></w:p></w:body></w:document>"}});
-    QTest::newRow("last_paragraph_out_of_list_docx") << outOfList << QByteArray() << QStringList{"1. Two One"} << QSize();
+    QTest::newRow("last_paragraph_out_of_list_docx") << outOfList << QByteArray() << QStringList{"3. Zero 1. Two One"} << QSize();
 }
 
 void tst_ZylServer::appendMadeDocument()
