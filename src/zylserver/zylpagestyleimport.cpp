@@ -1,6 +1,7 @@
 #include "zylpagestyleimport.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -20,6 +21,7 @@
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
+#include <com/sun/star/container/XIndexReplace.hpp>
 #include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
@@ -42,6 +44,7 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/text/TextGridMode.hpp>
+#include <com/sun/star/text/XChapterNumberingSupplier.hpp>
 #include <com/sun/star/text/XFormField.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
 #include <com/sun/star/text/XParagraphCursor.hpp>
@@ -418,6 +421,71 @@ bool keepParagraphStyles(const uno::Reference<text::XTextDocument> &source,
     return !renamed.empty() || flattened;
 }
 
+// Headings numbered by the outline take the target's outline numbering once inserted. Where the
+// source's numbers otherwise, its headings get a list of their own under its rules.
+bool keepOutlineNumbering(const uno::Reference<text::XTextDocument> &source,
+                          const std::vector<uno::Reference<beans::XPropertySet>> &elements,
+                          const uno::Reference<text::XTextDocument> &target)
+{
+    uno::Reference<text::XChapterNumberingSupplier> sourceOutline(source, uno::UNO_QUERY_THROW);
+    uno::Reference<text::XChapterNumberingSupplier> targetOutline(target, uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XIndexReplace> rules = sourceOutline->getChapterNumberingRules();
+    const uno::Reference<container::XIndexReplace> targetRules = targetOutline->getChapterNumberingRules();
+    // Which heading style each level numbers is the outline's own business, not a list's.
+    const rtl::OUString headingStyle = ou("HeadingStyleName");
+    const auto levelOf = [&](const uno::Reference<container::XIndexReplace> &from, sal_Int32 level) {
+        uno::Sequence<beans::PropertyValue> values;
+        from->getByIndex(level) >>= values;
+        std::vector<beans::PropertyValue> kept;
+        std::copy_if(values.begin(), values.end(), std::back_inserter(kept),
+                     [&](const beans::PropertyValue &value) { return value.Name != headingStyle; });
+        return kept;
+    };
+    const auto named = [](const std::vector<beans::PropertyValue> &values) {
+        std::map<rtl::OUString, uno::Any> byName;
+        for (const beans::PropertyValue &value : values)
+            byName.emplace(value.Name, value.Value);
+        return byName;
+    };
+    bool same = rules->getCount() == targetRules->getCount();
+    for (sal_Int32 level = 0; same && level < rules->getCount(); ++level)
+        same = named(levelOf(rules, level)) == named(levelOf(targetRules, level));
+    if (same)
+        return false;
+    const rtl::OUString outline = ou("Outline");
+    std::vector<uno::Reference<beans::XPropertySet>> paragraphs;
+    collectParagraphs(elements, &paragraphs);
+    paragraphs.erase(std::remove_if(paragraphs.begin(), paragraphs.end(),
+                                    [&](const uno::Reference<beans::XPropertySet> &paragraph) {
+                                        return stringProperty(paragraph, "NumberingStyleName") != outline;
+                                    }),
+                     paragraphs.end());
+    if (paragraphs.empty())
+        return false;
+
+    uno::Reference<style::XStyleFamiliesSupplier> sourceSupplier(source, uno::UNO_QUERY_THROW);
+    uno::Reference<style::XStyleFamiliesSupplier> targetSupplier(target, uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameContainer> lists(sourceSupplier->getStyleFamilies()->getByName(ou("NumberingStyles")),
+                                                          uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameAccess> targetLists(targetSupplier->getStyleFamilies()->getByName(ou("NumberingStyles")),
+                                                             uno::UNO_QUERY_THROW);
+    rtl::OUString fresh;
+    for (int n = 2; fresh.isEmpty() || lists->hasByName(fresh) || targetLists->hasByName(fresh); ++n)
+        fresh = toOUString(QStringLiteral("Outline (%1)").arg(n));
+    uno::Reference<lang::XMultiServiceFactory> factory(source, uno::UNO_QUERY_THROW);
+    uno::Reference<beans::XPropertySet> list(factory->createInstance(ou("com.sun.star.style.NumberingStyle")), uno::UNO_QUERY_THROW);
+    lists->insertByName(fresh, uno::Any(list));
+    uno::Reference<container::XIndexReplace> own(list->getPropertyValue(ou("NumberingRules")), uno::UNO_QUERY_THROW);
+    for (sal_Int32 level = 0; level < rules->getCount() && level < own->getCount(); ++level) {
+        const std::vector<beans::PropertyValue> values = levelOf(rules, level);
+        own->replaceByIndex(level, uno::Any(uno::Sequence<beans::PropertyValue>(values.data(), sal_Int32(values.size()))));
+    }
+    list->setPropertyValue(ou("NumberingRules"), uno::Any(own));
+    for (const auto &paragraph : paragraphs)
+        paragraph->setPropertyValue(ou("NumberingStyleName"), uno::Any(fresh));
+    return true;
+}
+
 // Pictures, shapes and objects do not always come along when a document is inserted as it is
 // (a .doc page holding only a picture arrived empty); a copy in the office's own format brings
 // them.
@@ -756,6 +824,12 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     } catch (const uno::Exception &) {
         // The page layout comes along all the same.
     }
+    bool outlineKept = false;
+    try {
+        outlineKept = keepOutlineNumbering(source, elements, target);
+    } catch (const uno::Exception &e) {
+        qCInfo(lcZylServer) << "headings keep the target's outline numbering:" << toQString(e.Message);
+    }
     bool topsDropped = false;
     try {
         topsDropped = dropSpacingAtPageTops(model, source, target);
@@ -779,6 +853,9 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         p.sharesList = next < elements.size() && next != at && !isTable(next) && !list.isEmpty()
             && list == stringProperty(elements[next], "ListId")
             && stringProperty(e, "NumberingStyleName") == stringProperty(elements[next], "NumberingStyleName");
+        bool numbered = false;
+        if (!p.sharesList && !list.isEmpty() && (e->getPropertyValue(ou("NumberingIsNumber")) >>= numbered) && numbered)
+            p.list = stringProperty(e, "NumberingStyleName");
         return p;
     };
     if (!isTable(0))
@@ -792,7 +869,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         // A legacy save of the merged document may then fail.
     }
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
-    if (renamed.empty() && !paragraphStylesKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
+    if (renamed.empty() && !paragraphStylesKept && !outlineKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
         && !hasChanges && !linksDropped) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);

@@ -1421,12 +1421,17 @@ void ZylTextModel::restoreLastBreak(const Layout &l, int index, const ZylPageSty
 
 void ZylTextModel::joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known)
 {
-    if (!known.sharesList || neighbour < 0 || size_t(neighbour) >= l.elements.size() || l.elements[size_t(neighbour)].isTable)
-        return;
     uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
-    uno::Reference<beans::XPropertySet> next(l.elements[size_t(neighbour)].content, uno::UNO_QUERY_THROW);
-    for (const char *name : {"NumberingStyleName", "ListId"})
-        paragraph->setPropertyValue(ou(name), next->getPropertyValue(ou(name)));
+    if (known.sharesList && neighbour >= 0 && size_t(neighbour) < l.elements.size() && !l.elements[size_t(neighbour)].isTable) {
+        uno::Reference<beans::XPropertySet> next(l.elements[size_t(neighbour)].content, uno::UNO_QUERY_THROW);
+        for (const char *name : {"NumberingStyleName", "ListId"})
+            paragraph->setPropertyValue(ou(name), next->getPropertyValue(ou(name)));
+    } else if (!known.list.isEmpty()) {
+        // A heading that starts the content numbers in its own style's list.
+        paragraph->setPropertyValue(ou("NumberingStyleName"), uno::Any(known.list));
+    } else {
+        return;
+    }
     paragraph->setPropertyValue(ou("NumberingLevel"), uno::Any(known.level));
 }
 

@@ -195,8 +195,8 @@ private:
     void startRunAtBreak(const Element &e);
     // Gives the inserted content's last paragraph, at index, the break it lost.
     static void restoreLastBreak(const Layout &l, int index, const ZylPageStyleImport::EdgeParagraph &known);
-    // Puts the paragraph at index, whose list arrived under another name, into the list of the one
-    // at neighbour, where it was in the source.
+    // Puts the paragraph at index, whose list arrived under another name or not at all, into the
+    // list of the one at neighbour, or of its own style, as in the source.
     static void joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known);
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();

@@ -1003,6 +1003,13 @@ void tst_ZylServer::appendMadeDocument_data()
     // An empty one was taken for the paragraph inserted into, and went with its page.
     QTest::newRow("empty_last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QString())
                                                                << QStringList{"1.one", "3."} << QSize();
+    // Headings numbered by the source's outline took the target's, which numbers none.
+    QTest::newRow("outline_numbering_zyl") << QStringLiteral("zyl") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:styles><style:style style:name=\"H\" style:family=\"paragraph\" style:default-outline-level=\"1\"/>"
+        "<text:outline-style style:name=\"Outline\"><text:outline-level-style text:level=\"1\" style:num-format=\"1\""
+        " style:num-suffix=\".\" text:start-value=\"4\"/></text:outline-style></office:styles><office:body><office:text>"
+        "<text:h text:style-name=\"H\" text:outline-level=\"1\">chapter</text:h><text:p>text</text:p><text:h text:style-name=\"H\""
+        " text:outline-level=\"1\">next</text:h></office:text></office:body>")) << QStringList{"4.chapter text 5.next"} << QSize();
     // Given its style again, a last paragraph taken out of its style's list got a number. A heading
     // style that numbers, of a name the target defines otherwise, lost its numbers.
     const QByteArray w = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"";
