@@ -55,6 +55,7 @@
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
 
+#include "zylendnotes.h"
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
 #include "zyllog.h"
@@ -726,6 +727,15 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         return !m_path.isEmpty();
     }
 
+    bool endnotesPlaced = false;
+    try {
+        endnotesPlaced = ZylEndnotes::printInPlace(model);
+    } catch (const uno::Exception &e) {
+        // Some may have been made text already: the document goes in as it is.
+        qCInfo(lcZylServer) << "endnotes stay endnotes:" << toQString(e.Message);
+        return false;
+    }
+
     // The body's elements and the page styles they start, the first one's included.
     const std::vector<uno::Reference<beans::XPropertySet>> elements =
         elementsOf(uno::Reference<container::XEnumerationAccess>(source->getText(), uno::UNO_QUERY_THROW));
@@ -869,7 +879,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
         // A legacy save of the merged document may then fail.
     }
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
-    if (renamed.empty() && !paragraphStylesKept && !outlineKept && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
+    if (renamed.empty() && !paragraphStylesKept && !outlineKept && !endnotesPlaced && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
         && !hasChanges && !linksDropped) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);

@@ -208,6 +208,8 @@ private slots:
     void cutFirstPage();
     void appendMadeDocument();
     void linkFieldSavesAsDoc();
+    void endnotesStayWithTheirPages_data();
+    void endnotesStayWithTheirPages();
     void appendTakesTheFileAsItIs_data();
     void appendTakesTheFileAsItIs();
     void fullPageTable_data();
@@ -1073,6 +1075,37 @@ void tst_ZylServer::linkFieldSavesAsDoc()
     const QString target = workCopy(m_one, QStringLiteral("link-target.docx"));
     const QString saved = m_dir.filePath(QStringLiteral("link-merged.doc"));
     QCOMPARE(edited(target, appending({QStringLiteral(ZYL_TEST_DATA "/link-field.doc")}), saved), 2);
+}
+
+void tst_ZylServer::endnotesStayWithTheirPages_data()
+{
+    // A body page, then the endnotes' page. The endnotes printed at the end of whatever document
+    // they were in: a cut of the body page kept nothing, a document after them came before them.
+    QTest::addColumn<int>("first"); // of the pages cut, or 0 to append another document instead
+    QTest::addColumn<int>("last");
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("body_page_cut") << 1 << 1 << QStringList{"i note text"};
+    QTest::newRow("endnote_page_cut") << 2 << 2 << QStringList{"bodyi"};
+    QTest::newRow("inserted_before_another") << 0 << 0 << QStringList{"target one", "bodyi", "i note text", "target one"};
+}
+
+void tst_ZylServer::endnotesStayWithTheirPages()
+{
+    QFETCH(int, first);
+    QFETCH(int, last);
+    QFETCH(QStringList, texts);
+    const QString source = fromFlat(QStringLiteral("endnotes-%1.docx").arg(QTest::currentDataTag()), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:body><office:text><text:p>body<text:note text:note-class=\"endnote\"><text:note-citation>i</text:note-citation>"
+        "<text:note-body><text:p>note text</text:p></text:note-body></text:note></text:p></office:text></office:body>")));
+    QVERIFY(!source.isEmpty());
+    const QString saved = m_dir.filePath(QStringLiteral("endnotes-%1.zyl").arg(QTest::currentDataTag()));
+    QCOMPARE(first ? edited(source, cutting(first, last), saved)
+                   : edited(workCopy(m_one, QStringLiteral("endnotes-target.docx")), appending({source, m_one}), saved),
+             texts.size());
+    QStringList printed;
+    QVector<QSize> sizes;
+    QVERIFY(ZylTestDocuments::readPages(saved, &printed, &sizes));
+    QCOMPARE(printed, texts);
 }
 
 void tst_ZylServer::cutKeepsPageLook_data()
