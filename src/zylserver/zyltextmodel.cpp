@@ -783,24 +783,27 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     }
     if (cut.start != CutEnd::Boundary && cut.end != CutEnd::Boundary) {
         // The text deletion is one undo action: what lies whole between its ends goes first where
-        // it holds more than one step can.
-        const int from = std::max(cut.firstWhole, cut.startIndex + 1);
+        // it holds more than one step can. A cut from the body's start into a paragraph removes
+        // all before that paragraph first: the text joined to the first paragraph took its style.
+        const bool intoParagraph = cut.fromVirtualMark && cut.end == CutEnd::Text && cut.endIndex > 0;
+        const int from = intoParagraph ? 0 : std::max(cut.firstWhole, cut.startIndex + 1);
+        const int to = intoParagraph ? cut.endIndex - 1 : cut.lastWhole;
         int nodes = 0;
-        for (int i = from; i <= cut.lastWhole && nodes <= kUndoStepNodes; ++i)
+        for (int i = from; i <= to && nodes <= kUndoStepNodes; ++i)
             nodes += nodesOf(l.elements[size_t(i)]);
         int re = cut.re;
         int followerIndex = cut.end == CutEnd::Mark ? cut.endIndex + 1 : -1;
         const Layout *rest = &l;
         Layout shortened;
-        if (nodes > kUndoStepNodes) {
+        if (intoParagraph || nodes > kUndoStepNodes) {
             {
                 LayoutLock lock(m_document);
-                removeWhole(l, from, cut.lastWhole, [&](int n) { undo.willRemove(n); });
+                removeWhole(l, from, to, [&](int n) { undo.willRemove(n); });
             }
-            const Element &lastWhole = l.elements[size_t(cut.lastWhole)];
+            const Element &lastWhole = l.elements[size_t(to)];
             re -= lastWhole.base + lastWhole.length + 1 - l.elements[size_t(from)].base;
             if (followerIndex >= 0)
-                followerIndex -= cut.lastWhole - from + 1;
+                followerIndex -= to - from + 1;
             shortened = layout();
             rest = &shortened;
         }
