@@ -14,7 +14,6 @@
 #include <com/sun/star/util/XRefreshable.hpp>
 
 #include "zyldocument.h"
-#include "zylendnotes.h"
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
 #include "zyllog.h"
@@ -125,11 +124,6 @@ HRESULT ZylDocuments::open(const QString &path, VARIANT *result)
         uno::Reference<util::XRefreshable> refreshable(fields.is() ? fields->getTextFields() : nullptr, uno::UNO_QUERY);
         if (refreshable.is())
             refreshable->refresh();
-        try {
-            ZylEndnotes::printInPlace(model);
-        } catch (const uno::Exception &e) {
-            qCInfo(lcZylServer) << "the endnotes of" << absolute << "stay endnotes:" << toQString(e.Message);
-        }
         m_session->add(textDocument);
         setResult(result, new ZylDocument(m_session, textDocument, absolute, filter));
         return S_OK;

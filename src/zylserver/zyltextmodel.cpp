@@ -6,6 +6,7 @@
 #include <atomic>
 #include <limits>
 #include <unordered_map>
+#include <utility>
 
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/beans/XMultiPropertySet.hpp>
@@ -40,6 +41,7 @@
 #include <com/sun/star/document/UndoManagerEvent.hpp>
 #include <cppuhelper/implbase1.hxx>
 
+#include "zylendnotes.h"
 #include "zyllog.h"
 #include "zylpagestyleimport.h"
 #include "zylsplitparagraph.h"
@@ -592,8 +594,22 @@ uno::Reference<text::XTextCursor> ZylTextModel::cursorAt(const Layout &l, int po
     return cursor;
 }
 
+void ZylTextModel::placeEndnotes()
+{
+    // Once, before the first position is given out: a document that is only counted keeps them.
+    if (std::exchange(m_endnotesPlaced, true))
+        return;
+    try {
+        if (ZylEndnotes::printInPlace(uno::Reference<frame::XModel>(m_document, uno::UNO_QUERY)))
+            invalidate();
+    } catch (const uno::Exception &e) {
+        qCInfo(lcZylServer) << "the endnotes stay endnotes:" << toQString(e.Message);
+    }
+}
+
 HRESULT ZylTextModel::pageStart(int page, LONG *position)
 {
+    placeEndnotes();
     const size_t count = printedPages().size();
     if (page < 1 || size_t(page) > count)
         return E_INVALIDARG;
@@ -744,11 +760,13 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
 
 LONG ZylTextModel::endPosition()
 {
+    placeEndnotes();
     return layout().length + 1;
 }
 
 HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
 {
+    placeEndnotes();
     const Layout l = layout();
     start = std::max<LONG>(0, std::min<LONG>(start, l.length + 1));
     end = std::max<LONG>(0, std::min<LONG>(end, l.length + 1));
@@ -1233,6 +1251,7 @@ void ZylTextModel::restoreBreak(const Element &e, const BreakState &before)
 
 HRESULT ZylTextModel::insertPageBreak(LONG position)
 {
+    placeEndnotes();
     const Layout &l = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
     uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
@@ -1256,6 +1275,7 @@ HRESULT ZylTextModel::insertPageBreak(LONG position)
 
 HRESULT ZylTextModel::insertParagraph(LONG position)
 {
+    placeEndnotes();
     const Layout &l = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, l.length);
     uno::Reference<text::XTextCursor> cursor = cursorAt(l, point);
@@ -1287,6 +1307,7 @@ bool ZylTextModel::revealHiddenEnd(const Layout &l, int point)
 
 HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insertion &known)
 {
+    placeEndnotes();
     const rtl::OUString &firstPageStyle = known.firstPageStyle;
     const Layout before = layout();
     const int point = position <= 0 ? 0 : std::min<int>(int(position) - 1, before.length);

@@ -223,8 +223,12 @@ private:
     int measure(const css::uno::Reference<css::text::XTextRange> &from,
                 const css::uno::Reference<css::text::XTextRange> &to);
 
+    // A document's endnotes are made text where they print before its first edit.
+    void placeEndnotes();
+
     css::uno::Reference<css::text::XTextDocument> m_document;
     css::uno::Reference<css::text::XText> m_text;
+    bool m_endnotesPlaced = false;
     std::shared_ptr<Changes> m_changes;
     css::uno::Reference<css::document::XUndoManagerListener> m_listener;
     unsigned m_seenForeign = 0;
