@@ -86,6 +86,21 @@ QString ZylFilters::importFilterFor(const QString &path)
     return QString();
 }
 
+QString ZylFilters::insertFilterFor(const QString &path)
+{
+    const QString forced = importFilterFor(path);
+    if (!forced.isEmpty())
+        return forced;
+    // A Word package written to the ISO variant of its format is given to a reader that inserts
+    // nothing at all; the other reader takes either variant.
+    static const QStringList wordSuffixes = {QStringLiteral("docx"), QStringLiteral("docm"), QStringLiteral("dotx"),
+                                             QStringLiteral("dotm")};
+    QFile file(path);
+    if (wordSuffixes.contains(QFileInfo(path).suffix().toLower()) && file.open(QIODevice::ReadOnly) && file.read(4) == "PK\x03\x04")
+        return QStringLiteral("MS Word 2007 XML");
+    return QString();
+}
+
 bool ZylFilters::isOpenDocument(const QString &path)
 {
     return packageMediaType(path).startsWith("application/vnd.oasis.opendocument.text");

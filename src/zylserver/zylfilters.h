@@ -21,6 +21,8 @@ public:
 
     // Import filter to force for a path, or empty to let the office detect the type.
     static QString importFilterFor(const QString &path);
+    // The same for inserting the file into another document.
+    static QString insertFilterFor(const QString &path);
 
     // Whether the file at path is an OpenDocument text package, by its content.
     static bool isOpenDocument(const QString &path);

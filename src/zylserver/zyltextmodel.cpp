@@ -42,6 +42,7 @@
 #include <cppuhelper/implbase1.hxx>
 
 #include "zylendnotes.h"
+#include "zylfilters.h"
 #include "zyllog.h"
 #include "zylpagestyleimport.h"
 #include "zylsplitparagraph.h"
@@ -1322,7 +1323,11 @@ HRESULT ZylTextModel::insertFile(LONG position, const QString &url, const Insert
     uno::Reference<document::XDocumentInsertable> insertable(cursor, uno::UNO_QUERY_THROW);
     const std::string utf8 = url.toStdString();
     const int objectsBefore = drawnObjects();
-    insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()), uno::Sequence<beans::PropertyValue>());
+    const QString filter = ZylFilters::insertFilterFor(QUrl(url).toLocalFile());
+    const beans::PropertyValue filterName = property("FilterName", uno::Any(toOUString(filter)));
+    insertable->insertDocumentFromURL(rtl::OUString::fromUtf8(utf8.c_str()),
+                                      filter.isEmpty() ? uno::Sequence<beans::PropertyValue>()
+                                                       : uno::Sequence<beans::PropertyValue>(&filterName, 1));
     Layout after = layout();
     // Inserting fails silently (missing, encrypted or unreadable files): judge by the result. A
     // page of pictures only may bring nothing but pictures into the paragraph inserted into.

@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -1046,6 +1047,21 @@ void tst_ZylServer::appendMadeDocument_data()
          "</w:r></w:p><w:p><w:pPr><w:pStyle w:val=\"Num\"/></w:pPr><w:r>"
          "<w:t>One</w:t></w:r></w:p><w:p><w:pPr><w:pStyle w:val=\"Num\"/><w:numPr><w:numId w:val=\"0\"/></w:numPr></w:pPr>"
          "<w:r><w:t>Two</w:t></w:r></w:p></w:body></w:document>"}});
+    // The target itself, written to the ISO variant of the Word format: the office's reader for
+    // that variant inserted nothing, and nothing was missed.
+    QTemporaryDir unpacked;
+    QProcess::execute(QStringLiteral("unzip"), {QStringLiteral("-q"), m_one, QStringLiteral("-d"), unpacked.path()});
+    QList<QPair<QString, QByteArray>> isoParts;
+    for (QDirIterator it(unpacked.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();) {
+        QFile part(it.next());
+        part.open(QIODevice::ReadOnly);
+        QByteArray content = part.readAll();
+        content.replace("package/2006/relationships/metadata", "officedocument/2006/relationships/metadata");
+        isoParts.append({QDir(unpacked.path()).relativeFilePath(part.fileName()), content});
+    }
+    const QString iso = m_dir.filePath(QStringLiteral("iso.docx"));
+    zipPackage(iso, isoParts);
+    QTest::newRow("iso_word_package") << iso << QByteArray() << QStringList{"target one"} << QSize(595, 842);
     QTest::newRow("last_paragraph_out_of_list_docx") << outOfList << QByteArray() << QStringList{"3. Zero 1. Two One"} << QSize();
 }
 
