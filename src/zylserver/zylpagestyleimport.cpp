@@ -864,7 +864,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
             && list == stringProperty(elements[next], "ListId")
             && stringProperty(e, "NumberingStyleName") == stringProperty(elements[next], "NumberingStyleName");
         bool numbered = false;
-        if (!p.sharesList && !list.isEmpty() && (e->getPropertyValue(ou("NumberingIsNumber")) >>= numbered) && numbered)
+        if (!list.isEmpty() && (e->getPropertyValue(ou("NumberingIsNumber")) >>= numbered) && numbered)
             p.list = stringProperty(e, "NumberingStyleName");
         return p;
     };

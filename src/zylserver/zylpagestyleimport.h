@@ -58,7 +58,7 @@ public:
         css::style::BreakType breakType = css::style::BreakType_NONE;
         rtl::OUString pageStyle;
         bool sharesList = false; // with the content's paragraph next to it
-        rtl::OUString list; // the list style numbering it, where it shares its list with no neighbour
+        rtl::OUString list; // the list style numbering it
         sal_Int16 level = 0;
         bool empty = false; // a last paragraph, after others, that holds no text
     };

@@ -14,6 +14,8 @@
 #include <com/sun/star/beans/XPropertyState.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
+#include <com/sun/star/container/XNameAccess.hpp>
+#include <com/sun/star/document/UndoManagerEvent.hpp>
 #include <com/sun/star/document/XDocumentInsertable.hpp>
 #include <com/sun/star/document/XUndoManager.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
@@ -21,15 +23,16 @@
 #include <com/sun/star/drawing/XDrawPageSupplier.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/style/BreakType.hpp>
-#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
+#include <com/sun/star/style/NumberingType.hpp>
+#include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/table/XCell.hpp>
 #include <com/sun/star/table/XCellRange.hpp>
 #include <com/sun/star/table/XTableRows.hpp>
-#include <com/sun/star/lang/XMultiServiceFactory.hpp>
-#include <com/sun/star/style/NumberingType.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
 #include <com/sun/star/text/PageNumberType.hpp>
 #include <com/sun/star/text/XDocumentIndex.hpp>
@@ -38,7 +41,6 @@
 #include <com/sun/star/text/XTextRangeCompare.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
-#include <com/sun/star/document/UndoManagerEvent.hpp>
 #include <cppuhelper/implbase1.hxx>
 
 #include "zylendnotes.h"
@@ -1448,15 +1450,33 @@ void ZylTextModel::restoreLastBreak(const Layout &l, int index, const ZylPageSty
         last->setPropertyValue(ou("BreakType"), uno::Any(known.breakType));
 }
 
+bool ZylTextModel::numbered(const uno::Reference<beans::XPropertySet> &paragraph)
+{
+    rtl::OUString list;
+    return (paragraph->getPropertyValue(ou("NumberingStyleName")) >>= list) && !list.isEmpty();
+}
+
+bool ZylTextModel::hasListStyle(const rtl::OUString &name) const
+{
+    uno::Reference<style::XStyleFamiliesSupplier> families(m_document, uno::UNO_QUERY_THROW);
+    uno::Reference<container::XNameAccess> lists(families->getStyleFamilies()->getByName(ou("NumberingStyles")), uno::UNO_QUERY_THROW);
+    return lists->hasByName(name);
+}
+
 void ZylTextModel::joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known)
 {
     uno::Reference<beans::XPropertySet> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
-    if (known.sharesList && neighbour >= 0 && size_t(neighbour) < l.elements.size() && !l.elements[size_t(neighbour)].isTable) {
-        uno::Reference<beans::XPropertySet> next(l.elements[size_t(neighbour)].content, uno::UNO_QUERY_THROW);
+    const uno::Reference<beans::XPropertySet> next(
+        neighbour >= 0 && size_t(neighbour) < l.elements.size() && !l.elements[size_t(neighbour)].isTable
+            ? l.elements[size_t(neighbour)].content
+            : nullptr,
+        uno::UNO_QUERY);
+    if (known.sharesList && next.is() && numbered(next)) {
         for (const char *name : {"NumberingStyleName", "ListId"})
             paragraph->setPropertyValue(ou(name), next->getPropertyValue(ou(name)));
-    } else if (!known.list.isEmpty()) {
-        // A heading that starts the content numbers in its own style's list.
+    } else if (!known.list.isEmpty() && !numbered(paragraph) && hasListStyle(known.list)) {
+        // A heading that starts the content, or an item whose neighbour lost its list the same
+        // way (a list of two), numbers in its own style's list.
         paragraph->setPropertyValue(ou("NumberingStyleName"), uno::Any(known.list));
     } else {
         return;

@@ -197,7 +197,9 @@ private:
     static void restoreLastBreak(const Layout &l, int index, const ZylPageStyleImport::EdgeParagraph &known);
     // Puts the paragraph at index, whose list arrived under another name or not at all, into the
     // list of the one at neighbour, or of its own style, as in the source.
-    static void joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known);
+    void joinNeighbourList(const Layout &l, int index, int neighbour, const ZylPageStyleImport::EdgeParagraph &known);
+    static bool numbered(const css::uno::Reference<css::beans::XPropertySet> &paragraph);
+    bool hasListStyle(const rtl::OUString &name) const;
     // Pictures, shapes, frames and embedded objects anchored anywhere in the document.
     int drawnObjects();
     // Removes the empty paragraph at index that an insertion left ahead of inserted content that

@@ -1007,6 +1007,12 @@ void tst_ZylServer::appendMadeDocument_data()
     };
     QTest::newRow("last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QStringLiteral("three"))
                                                          << QStringList{"1.one", "3.three"} << QSize();
+    // A list of two: each item took the neighbour's list, which the other had lost the same way.
+    QTest::newRow("list_of_two_zyl") << QStringLiteral("zyl") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><text:list-style style:name=\"L\"><text:list-level-style-number text:level=\"1\""
+        " style:num-suffix=\".\" style:num-format=\"1\"/></text:list-style></office:automatic-styles><office:body><office:text>"
+        "<text:list text:style-name=\"L\"><text:list-item><text:p>one</text:p></text:list-item><text:list-item><text:p>two</text:p>"
+        "</text:list-item></text:list></office:text></office:body>")) << QStringList{"1.one 2.two"} << QSize();
     // An empty one was taken for the paragraph inserted into, and went with its page.
     QTest::newRow("empty_last_paragraph_break_and_number_zyl") << QStringLiteral("zyl") << numbered(QString())
                                                                << QStringList{"1.one", "3."} << QSize();
