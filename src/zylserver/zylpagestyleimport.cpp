@@ -878,9 +878,17 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     } catch (const uno::Exception &) {
         // A legacy save of the merged document may then fail.
     }
+    // The Word format's reader drops where an inserted list starts counting anew, as a cut makes
+    // it do for the list it went through; the office's own format keeps it.
+    const bool restartsList = !ZylFilters::isOpenDocument(path)
+        && std::any_of(elements.begin(), elements.end(), [](const uno::Reference<beans::XPropertySet> &e) {
+               bool restart = false;
+               return !uno::Reference<text::XTextTable>(e, uno::UNO_QUERY).is()
+                   && (e->getPropertyValue(ou("ParaIsNumberingRestart")) >>= restart) && restart;
+           });
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
     if (renamed.empty() && !paragraphStylesKept && !outlineKept && !endnotesPlaced && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
-        && !hasChanges && !linksDropped) {
+        && !hasChanges && !linksDropped && !restartsList) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         if (!ZylFilters::isOpenDocument(path))

@@ -794,6 +794,8 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     const int keptIndex = start != 0 || cut.end == CutEnd::BodyEnd ? -1
         : cut.end == CutEnd::Mark                                             ? cut.endIndex + 1
                                                                               : cut.endIndex;
+    const std::vector<ListNumber> listNumbers =
+        cut.end == CutEnd::BodyEnd ? std::vector<ListNumber>() : listNumbersAfter(l, cut.end == CutEnd::Mark ? cut.endIndex + 1 : cut.endIndex);
     BreakState kept;
     int keptNumber = 0;
     if (keptIndex >= 0 && keptIndex <= last) {
@@ -833,6 +835,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
             keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
         keepDividedLooks(cut, kept);
         keepOrphanedTexts(references);
+        keepListNumbers(listNumbers);
         return S_OK;
     }
 
@@ -852,7 +855,87 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
         keepFirstPage(l.elements[size_t(keptIndex)], kept, keptNumber);
     keepDividedLooks(cut, kept);
     keepOrphanedTexts(references);
+    keepListNumbers(listNumbers);
     return S_OK;
+}
+
+std::vector<ZylTextModel::ListNumber> ZylTextModel::listNumbersAfter(const Layout &l, int firstKept)
+{
+    // Lists that run on over a page break are what a cut meets; the first items after it are
+    // enough. Items of the first level only: the office restarts a list at one level, and the
+    // levels above would count from their start.
+    const int scanned = 30;
+    const int walked = 5000;
+    std::vector<ListNumber> numbers;
+    std::vector<rtl::OUString> seen;
+    const auto paragraphAt = [&](int i) -> uno::Reference<beans::XPropertySet> {
+        return l.elements[size_t(i)].isTable ? nullptr : uno::Reference<beans::XPropertySet>(l.elements[size_t(i)].content, uno::UNO_QUERY);
+    };
+    const auto read = [](const uno::Reference<beans::XPropertySet> &p, const char *name, auto fallback) {
+        p->getPropertyValue(ou(name)) >>= fallback;
+        return fallback;
+    };
+    try {
+        for (int i = std::max(0, firstKept); i < int(l.elements.size()) && i < firstKept + scanned; ++i) {
+            const uno::Reference<beans::XPropertySet> item = paragraphAt(i);
+            const rtl::OUString list = item.is() ? read(item, "ListId", rtl::OUString()) : rtl::OUString();
+            if (list.isEmpty() || std::find(seen.begin(), seen.end(), list) != seen.end())
+                continue;
+            const rtl::OUString label = read(item, "ListLabelString", rtl::OUString());
+            if (label.isEmpty() || read(item, "NumberingLevel", sal_Int16(0)) != 0 || !read(item, "NumberingIsNumber", false))
+                continue;
+            seen.push_back(list);
+            // Its number: the items of its list before it, from the list's start or the last restart.
+            sal_Int32 before = 0;
+            sal_Int32 start = 1;
+            uno::Reference<container::XIndexAccess> rules(item->getPropertyValue(ou("NumberingRules")), uno::UNO_QUERY);
+            uno::Sequence<beans::PropertyValue> first;
+            if (rules.is() && rules->getCount() > 0 && (rules->getByIndex(0) >>= first)) {
+                for (const beans::PropertyValue &value : std::as_const(first)) {
+                    if (value.Name == "StartWith")
+                        value.Value >>= start;
+                }
+            }
+            if (read(item, "ParaIsNumberingRestart", false))
+                continue; // it keeps its number itself
+            for (int j = i - 1; j >= 0 && j >= i - walked; --j) {
+                const uno::Reference<beans::XPropertySet> earlier = paragraphAt(j);
+                if (!earlier.is() || read(earlier, "ListId", rtl::OUString()) != list || read(earlier, "NumberingLevel", sal_Int16(0)) != 0
+                    || !read(earlier, "NumberingIsNumber", false))
+                    continue;
+                ++before;
+                if (read(earlier, "ParaIsNumberingRestart", false)) {
+                    const sal_Int16 restartedAt = read(earlier, "NumberingStartValue", sal_Int16(-1));
+                    if (restartedAt >= 0)
+                        start = restartedAt;
+                    break;
+                }
+            }
+            numbers.push_back({item, label, start + before});
+        }
+    } catch (const uno::Exception &e) {
+        qCInfo(lcZylServer) << "list numbers after a cut are not kept:" << toQString(e.Message);
+    }
+    return numbers;
+}
+
+void ZylTextModel::keepListNumbers(const std::vector<ListNumber> &numbers)
+{
+    for (const ListNumber &n : numbers) {
+        try {
+            rtl::OUString now;
+            n.paragraph->getPropertyValue(ou("ListLabelString")) >>= now;
+            if (now == n.label)
+                continue;
+            n.paragraph->setPropertyValue(ou("ParaIsNumberingRestart"), uno::Any(true));
+            n.paragraph->setPropertyValue(ou("NumberingStartValue"), uno::Any(sal_Int16(n.value)));
+            n.paragraph->getPropertyValue(ou("ListLabelString")) >>= now;
+            if (now != n.label) // counted otherwise than the office does: as the cut left it
+                n.paragraph->setPropertyValue(ou("ParaIsNumberingRestart"), uno::Any(false));
+        } catch (const uno::Exception &) {
+            // Gone with the cut, or not a list item any more.
+        }
+    }
 }
 
 void ZylTextModel::keepOrphanedTexts(const ZylReferences &references)

@@ -177,6 +177,15 @@ private:
     static void removeWhole(const Layout &l, int first, int last, const std::function<void(int)> &willRemove);
     // Cross-references whose target went with a cut become the text they showed.
     void keepOrphanedTexts(const ZylReferences &references);
+    // The first item of each list that goes on after a cut, with its number as it prints before
+    // the cut; keepListNumbers() gives each item whose number the cut changed that number again.
+    struct ListNumber {
+        css::uno::Reference<css::beans::XPropertySet> paragraph;
+        rtl::OUString label;
+        sal_Int32 value = 0;
+    };
+    std::vector<ListNumber> listNumbersAfter(const Layout &l, int firstKept);
+    static void keepListNumbers(const std::vector<ListNumber> &numbers);
     // The number the page where e begins is printed with; 0 when the office cannot tell.
     int printedNumberAt(const Element &e);
     // The parts of paragraphs that a cut divided where a page begins keep their look on that page;

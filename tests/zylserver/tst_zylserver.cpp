@@ -1275,6 +1275,14 @@ void tst_ZylServer::cutFirstPage_data()
     QTest::newRow("paragraph_pushed_to_page_top_docx") << QStringLiteral("docx") << spaced(QStringLiteral(
         "<text:p>%1</text:p><text:p text:style-name=\"K\">%2</text:p><text:p>%3</text:p>").arg(lines(1, 40), lines(41, 70), lines(71, 88)))
         << QStringList();
+    // A list that runs on to the page that stays counted its items there from 1, as well.
+    QString items;
+    for (int item = 1; item <= 70; ++item)
+        items += QStringLiteral("<text:list-item><text:p>item %1</text:p></text:list-item>").arg(item);
+    QTest::newRow("list_run_on_from_cut_page_docx") << QStringLiteral("docx") << ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><text:list-style style:name=\"L\"><text:list-level-style-number text:level=\"1\""
+        " style:num-suffix=\".\" style:num-format=\"1\"/></text:list-style></office:automatic-styles><office:body><office:text>"
+        "<text:list text:style-name=\"L\">%1</text:list></office:text></office:body>").arg(items)) << QStringList();
 }
 
 void tst_ZylServer::cutFirstPage()
