@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include <QCoreApplication>
+#include <cppuhelper/implbase1.hxx>
 
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
@@ -12,7 +13,9 @@
 #include <com/sun/star/document/XRedlinesSupplier.hpp>
 #include <com/sun/star/frame/DispatchHelper.hpp>
 #include <com/sun/star/frame/XController.hpp>
+#include <com/sun/star/frame/XDispatch.hpp>
 #include <com/sun/star/frame/XDispatchProvider.hpp>
+#include <com/sun/star/frame/XStatusListener.hpp>
 #include <com/sun/star/frame/XFrame.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
@@ -22,6 +25,8 @@
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCursor.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
+#include <com/sun/star/util/URL.hpp>
+#include <com/sun/star/util/URLTransformer.hpp>
 #include <com/sun/star/view/XSelectionSupplier.hpp>
 
 #include "zyllog.h"
@@ -47,6 +52,36 @@ std::vector<uno::Reference<beans::XPropertySet>> changesOf(const uno::Reference<
 bool isCarried(const rtl::OUString &type)
 {
     return type == "Insert" || type == "Delete" || type == "Format" || type == "ParagraphFormat";
+}
+
+const char *const kShowChanges = ".uno:ShowTrackedChanges";
+
+class StateListener : public cppu::WeakImplHelper1<frame::XStatusListener> {
+public:
+    void SAL_CALL statusChanged(const frame::FeatureStateEvent &event) override { event.State >>= shown; }
+    void SAL_CALL disposing(const lang::EventObject &) override {}
+    bool shown = true;
+};
+
+// Whether the document shows its tracked changes, or hides them as if they were accepted.
+bool changesShown(const uno::Reference<uno::XComponentContext> &context, const uno::Reference<frame::XModel> &document)
+{
+    const uno::Reference<frame::XController> controller = document->getCurrentController();
+    uno::Reference<frame::XDispatchProvider> provider(controller.is() ? controller->getFrame() : nullptr, uno::UNO_QUERY);
+    if (!provider.is())
+        return true;
+    util::URL url;
+    url.Complete = ou(kShowChanges);
+    util::URLTransformer::create(context)->parseStrict(url);
+    const uno::Reference<frame::XDispatch> dispatch = provider->queryDispatch(url, rtl::OUString(), 0);
+    if (!dispatch.is())
+        return true;
+    // The state arrives as the listener is added.
+    auto *state = new StateListener;
+    const uno::Reference<frame::XStatusListener> listener(state);
+    dispatch->addStatusListener(listener, url);
+    dispatch->removeStatusListener(listener, url);
+    return state->shown;
 }
 
 } // namespace
@@ -103,6 +138,8 @@ bool ZylTrackedChanges::mark(const uno::Reference<uno::XComponentContext> &conte
     }
     if (m_changes.empty())
         return false;
+    m_context = context;
+    m_hidden = !changesShown(context, document);
     // A deletion rejected keeps its text; everything accepted then keeps the rest.
     const uno::Reference<frame::XDispatchHelper> helper = frame::DispatchHelper::create(context);
     for (const auto &bookmark : deletions) {
@@ -120,6 +157,8 @@ void ZylTrackedChanges::restore(const uno::Reference<text::XTextDocument> &targe
     if (m_changes.empty() || !supplier.is())
         return;
     const uno::Reference<container::XNameAccess> bookmarks = supplier->getBookmarks();
+    const uno::Reference<frame::XModel> model(target, uno::UNO_QUERY);
+    const bool targetHasOwn = model.is() && hasChanges(model);
     int restored = 0;
     for (const Change &change : m_changes) {
         if (!bookmarks->hasByName(change.bookmark))
@@ -138,6 +177,16 @@ void ZylTrackedChanges::restore(const uno::Reference<text::XTextDocument> &targe
         uno::Reference<lang::XComponent> mark(bookmark, uno::UNO_QUERY);
         if (mark.is())
             mark->dispose();
+    }
+    // A target without changes of its own shows them as the source did, so its pages keep their text.
+    if (m_hidden && restored > 0 && !targetHasOwn && m_context.is()) {
+        const uno::Reference<frame::XController> controller = model->getCurrentController();
+        uno::Reference<frame::XDispatchProvider> dispatcher(controller.is() ? controller->getFrame() : nullptr, uno::UNO_QUERY);
+        if (dispatcher.is() && changesShown(m_context, model)) {
+            const beans::PropertyValue hide = property("ShowTrackedChanges", uno::Any(false));
+            frame::DispatchHelper::create(m_context)
+                ->executeDispatch(dispatcher, ou(kShowChanges), rtl::OUString(), 0, uno::Sequence<beans::PropertyValue>(&hide, 1));
+        }
     }
     if (restored != int(m_changes.size()))
         qCInfo(lcZylServer) << restored << "of" << m_changes.size() << "tracked changes carried over";

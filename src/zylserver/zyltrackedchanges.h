@@ -32,4 +32,7 @@ private:
         css::util::DateTime time;
     };
     std::vector<Change> m_changes;
+    // The source showed its changes hidden: its deletions took no room on its pages.
+    bool m_hidden = false;
+    css::uno::Reference<css::uno::XComponentContext> m_context;
 };

@@ -978,6 +978,27 @@ void tst_ZylServer::appendMadeDocument_data()
          "<office:body><office:text><text:p>first page</text:p><text:p text:style-name=\"T\">second page</text:p><text:p>"
          + run.join(QStringLiteral("<text:line-break/>")).toUtf8() + "</text:p></office:text></office:body></office:document-content>"}});
     QTest::newRow("no_spacing_at_page_tops_zyl") << noTopSpacing << QByteArray() << QStringList{"first page", "line 35"} << QSize();
+    // A source that hides its tracked changes: its deletion of two pages took them up again.
+    const QString hiddenChanges = m_dir.filePath(QStringLiteral("hidden-changes.zyl"));
+    zipPackage(hiddenChanges, {
+        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+        {QStringLiteral("META-INF/manifest.xml"),
+         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
+         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
+         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
+         "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
+        {QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + office
+         + " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\""
+         " office:version=\"1.2\"><office:settings><config:config-item-set config:name=\"ooo:view-settings\"><config:config-item"
+         " config:name=\"ShowRedlineChanges\" config:type=\"boolean\">false</config:config-item></config:config-item-set>"
+         "</office:settings></office:document-settings>"},
+        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+         " xmlns:dc=\"http://purl.org/dc/elements/1.1/\" office:version=\"1.2\"><office:body><office:text><text:tracked-changes>"
+         "<text:changed-region text:id=\"c1\"><text:deletion><office:change-info><dc:creator>a</dc:creator><dc:date>2020-01-01T00:00:00"
+         "</dc:date></office:change-info><text:p>" + QByteArray("gone<text:line-break/>").repeated(90) + "</text:p></text:deletion>"
+         "</text:changed-region></text:tracked-changes><text:p>kept<text:change text:change-id=\"c1\"/></text:p></office:text>"
+         "</office:body></office:document-content>"}});
+    QTest::newRow("hidden_changes_zyl") << hiddenChanges << QByteArray() << QStringList{"kept"} << QSize();
     // A picture whose file its package lacks was left out of the prepared copy: the text below it
     // moved up onto its page.
     const QString missingPicture = m_dir.filePath(QStringLiteral("missing-picture.zyl"));
