@@ -2,7 +2,8 @@
 // would drop them: the office applies every deletion and keeps every insertion as plain text.
 // Before the copy is written, each change in its body is marked with a bookmark and its text made
 // plain (deletions rejected, everything else accepted); once the copy is inserted, each marked
-// range becomes the same change again and its bookmark goes.
+// range becomes the same change again and its bookmark goes. A source that hides its changes has
+// them hidden in a target that has none of its own.
 #pragma once
 
 #include <vector>
