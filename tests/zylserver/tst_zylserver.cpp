@@ -957,63 +957,55 @@ void tst_ZylServer::appendMadeDocument_data()
     QStringList run;
     for (int line = 1; line <= 35; ++line)
         run << QStringLiteral("line %1").arg(line);
-    const QByteArray office = "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\"";
-    const QString noTopSpacing = m_dir.filePath(QStringLiteral("no-top-spacing.zyl"));
-    zipPackage(noTopSpacing, {
-        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
-        {QStringLiteral("META-INF/manifest.xml"),
-         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
-         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
-         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
-         "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
-        {QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + office
-         + " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\""
-         " office:version=\"1.1\"><office:settings><config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item"
-         " config:name=\"AddParaTableSpacingAtStart\" config:type=\"boolean\">false</config:config-item></config:config-item-set>"
-         "</office:settings></office:document-settings>"},
-        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
-         " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
-         " office:version=\"1.1\"><office:automatic-styles><style:style style:name=\"T\" style:family=\"paragraph\">"
-         "<style:paragraph-properties fo:break-before=\"page\" fo:margin-top=\"12cm\"/></style:style></office:automatic-styles>"
-         "<office:body><office:text><text:p>first page</text:p><text:p text:style-name=\"T\">second page</text:p><text:p>"
-         + run.join(QStringLiteral("<text:line-break/>")).toUtf8() + "</text:p></office:text></office:body></office:document-content>"}});
+    // A package of content.xml's body, with one setting of the set named in settings.xml when one is given.
+    const auto package = [this](const QString &name, const QByteArray &version, const QByteArray &setting, const QByteArray &body) {
+        const QByteArray namespaces =
+            "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+            " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+            " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+            " xmlns:xlink=\"http://www.w3.org/1999/xlink\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
+            " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\"";
+        QList<QPair<QString, QByteArray>> entries = {
+            {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+            {QStringLiteral("META-INF/manifest.xml"),
+             "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
+             "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
+             "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
+             + QByteArray(setting.isEmpty() ? "" : "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/>")
+             + "</manifest:manifest>"},
+            {QStringLiteral("content.xml"), "<office:document-content " + namespaces + " office:version=\"" + version + "\">" + body
+             + "</office:document-content>"}};
+        if (!setting.isEmpty())
+            entries.append({QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + namespaces
+                            + " office:version=\"" + version + "\"><office:settings>" + setting + "</office:settings></office:document-settings>"});
+        const QString path = m_dir.filePath(name);
+        zipPackage(path, entries);
+        return path;
+    };
+    const QString noTopSpacing = package(QStringLiteral("no-top-spacing.zyl"), "1.1",
+        "<config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item config:name=\"AddParaTableSpacingAtStart\""
+        " config:type=\"boolean\">false</config:config-item></config:config-item-set>",
+        "<office:automatic-styles><style:style style:name=\"T\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\" fo:margin-top=\"12cm\"/></style:style></office:automatic-styles><office:body><office:text>"
+        "<text:p>first page</text:p><text:p text:style-name=\"T\">second page</text:p><text:p>"
+        + run.join(QStringLiteral("<text:line-break/>")).toUtf8() + "</text:p></office:text></office:body>");
     QTest::newRow("no_spacing_at_page_tops_zyl") << noTopSpacing << QByteArray() << QStringList{"first page", "line 35"} << QSize();
     // A source that hides its tracked changes: its deletion of two pages took them up again.
-    const QString hiddenChanges = m_dir.filePath(QStringLiteral("hidden-changes.zyl"));
-    zipPackage(hiddenChanges, {
-        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
-        {QStringLiteral("META-INF/manifest.xml"),
-         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
-         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
-         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
-         "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
-        {QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + office
-         + " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\""
-         " office:version=\"1.2\"><office:settings><config:config-item-set config:name=\"ooo:view-settings\"><config:config-item"
-         " config:name=\"ShowRedlineChanges\" config:type=\"boolean\">false</config:config-item></config:config-item-set>"
-         "</office:settings></office:document-settings>"},
-        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
-         " xmlns:dc=\"http://purl.org/dc/elements/1.1/\" office:version=\"1.2\"><office:body><office:text><text:tracked-changes>"
-         "<text:changed-region text:id=\"c1\"><text:deletion><office:change-info><dc:creator>a</dc:creator><dc:date>2020-01-01T00:00:00"
-         "</dc:date></office:change-info><text:p>" + QByteArray("gone<text:line-break/>").repeated(90) + "</text:p></text:deletion>"
-         "</text:changed-region></text:tracked-changes><text:p>kept<text:change text:change-id=\"c1\"/></text:p></office:text>"
-         "</office:body></office:document-content>"}});
+    const QString hiddenChanges = package(QStringLiteral("hidden-changes.zyl"), "1.2",
+        "<config:config-item-set config:name=\"ooo:view-settings\"><config:config-item config:name=\"ShowRedlineChanges\""
+        " config:type=\"boolean\">false</config:config-item></config:config-item-set>",
+        "<office:body><office:text><text:tracked-changes><text:changed-region text:id=\"c1\"><text:deletion><office:change-info>"
+        "<dc:creator>a</dc:creator><dc:date>2020-01-01T00:00:00</dc:date></office:change-info><text:p>"
+        + QByteArray("gone<text:line-break/>").repeated(90) + "</text:p></text:deletion></text:changed-region></text:tracked-changes>"
+        "<text:p>kept<text:change text:change-id=\"c1\"/></text:p></office:text></office:body>");
     QTest::newRow("hidden_changes_zyl") << hiddenChanges << QByteArray() << QStringList{"kept"} << QSize();
     // A picture whose file its package lacks was left out of the prepared copy: the text below it
     // moved up onto its page.
-    const QString missingPicture = m_dir.filePath(QStringLiteral("missing-picture.zyl"));
-    zipPackage(missingPicture, {
-        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
-        {QStringLiteral("META-INF/manifest.xml"),
-         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
-         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
-         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
-        {QStringLiteral("content.xml"), "<office:document-content " + office + " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
-         " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
-         " xmlns:xlink=\"http://www.w3.org/1999/xlink\" office:version=\"1.2\"><office:body><office:text><text:p>above</text:p>"
-         + QByteArray("<text:p><draw:frame text:anchor-type=\"as-char\" svg:width=\"5cm\" svg:height=\"15cm\"><draw:image"
-                      " xlink:href=\"Pictures/lost.png\" xlink:type=\"simple\" xlink:show=\"embed\"/></draw:frame></text:p>").repeated(2)
-         + "<text:p>below</text:p></office:text></office:body></office:document-content>"}});
+    const QString missingPicture = package(QStringLiteral("missing-picture.zyl"), "1.2", QByteArray(),
+        "<office:body><office:text><text:p>above</text:p>"
+        + QByteArray("<text:p><draw:frame text:anchor-type=\"as-char\" svg:width=\"5cm\" svg:height=\"15cm\"><draw:image"
+                     " xlink:href=\"Pictures/lost.png\" xlink:type=\"simple\" xlink:show=\"embed\"/></draw:frame></text:p>").repeated(2)
+        + "<text:p>below</text:p></office:text></office:body>");
     QTest::newRow("picture_missing_from_package_zyl") << missingPicture << QByteArray() << QStringList{"above", "below"} << QSize();
     // The first and last paragraphs of a source lost their places in the list, the last its page
     // break too.
