@@ -355,7 +355,7 @@ HRESULT ZylDocument::storeAtomically(ZylTextModel &model, const QString &target,
                                      bool mayReplace)
 {
     if (filter == QLatin1String("MS Word 97"))
-        model.fixEmptyParagraphFonts();
+        model.prepareLegacyWordSave();
     const QFileInfo info(target);
     if (!info.absoluteDir().exists())
         return E_INVALIDARG;

@@ -294,7 +294,7 @@ void ZylTextModel::touch(int first, int last)
     m_pagesAnchor = m_printedValid ? std::min(m_pagesAnchor, first - 1) : -1;
 }
 
-void ZylTextModel::fixEmptyParagraphFonts()
+void ZylTextModel::prepareLegacyWordSave()
 {
     static const std::vector<rtl::OUString> names = {ou("CharHeight"), ou("CharHeightAsian"), ou("CharHeightComplex"),
                                                      ou("CharWeight"), ou("CharPosture"), ou("CharFontName")};
@@ -304,7 +304,11 @@ void ZylTextModel::fixEmptyParagraphFonts()
     for (const Element &e : l.elements) {
         uno::Reference<beans::XPropertyState> states(e.content, uno::UNO_QUERY);
         uno::Reference<beans::XMultiPropertySet> values(e.content, uno::UNO_QUERY);
-        if (e.isTable || e.length != 0 || !states.is() || !values.is())
+        if (e.isTable) {
+            carryPageStyleIntoTable(e.content);
+            continue;
+        }
+        if (e.length != 0 || !states.is() || !values.is())
             continue;
         try {
             const uno::Sequence<beans::PropertyState> found = states->getPropertyStates(all);
@@ -323,6 +327,29 @@ void ZylTextModel::fixEmptyParagraphFonts()
         } catch (const uno::Exception &) {
             // It keeps what its style gives it.
         }
+    }
+}
+
+void ZylTextModel::carryPageStyleIntoTable(const uno::Reference<text::XTextContent> &table)
+{
+    try {
+        uno::Reference<beans::XPropertySet> tableProps(table, uno::UNO_QUERY_THROW);
+        rtl::OUString pageDesc;
+        tableProps->getPropertyValue(ou("PageDescName")) >>= pageDesc;
+        uno::Reference<text::XTextTable> t(table, uno::UNO_QUERY_THROW);
+        uno::Reference<container::XEnumerationAccess> cell(t->getCellByName(ou("A1")), uno::UNO_QUERY_THROW);
+        uno::Reference<container::XEnumeration> inCell = cell->createEnumeration();
+        uno::Reference<lang::XServiceInfo> first(inCell->nextElement(), uno::UNO_QUERY_THROW);
+        if (!first->supportsService(ou("com.sun.star.text.Paragraph")))
+            return;
+        // Layout ignores a page style on a paragraph in a table; a merge leaves the name of the
+        // source's style there, which may be the target's of that name.
+        if (pageDesc.isEmpty())
+            uno::Reference<beans::XPropertyState>(first, uno::UNO_QUERY_THROW)->setPropertyToDefault(ou("PageDescName"));
+        else
+            uno::Reference<beans::XPropertySet>(first, uno::UNO_QUERY_THROW)->setPropertyValue(ou("PageDescName"), uno::Any(pageDesc));
+    } catch (const uno::Exception &) {
+        // The table starts the page the .doc way: with the style of the page before it.
     }
 }
 

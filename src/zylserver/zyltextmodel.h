@@ -61,9 +61,10 @@ public:
     // Pages as the office prints them now: the blank pages it adds to give a page the parity its
     // number or style asks for are left out, as they are in its own PDF export.
     int pageCount();
-    // The .doc export writes an empty paragraph whose font its style gives with the font of the
-    // empty paragraph before it: each one's font is set on it, as it shows, before such a save.
-    void fixEmptyParagraphFonts();
+    // Before a .doc save. That export writes an empty paragraph whose font its style gives with
+    // the font of the empty paragraph before it: each one's font is set on it, as it shows. And it
+    // takes the page style a table starts from the table's first paragraph, not from the table.
+    void prepareLegacyWordSave();
     // Position where the page begins; E_INVALIDARG when there is no such page.
     HRESULT pageStart(int page, LONG *position);
     LONG endPosition();
@@ -152,6 +153,7 @@ private:
     // cannot, and nothing is changed.
     bool readFrom(int from, int lastTouched);
     // Layout page where the element ends; 0 when the view cannot tell.
+    static void carryPageStyleIntoTable(const css::uno::Reference<css::text::XTextContent> &table);
     int pageOfEnd(const Element &e);
     // Index of the element that holds real point `point` (a paragraph from its start to its end
     // mark, or a table's slot); -1 beyond the body.

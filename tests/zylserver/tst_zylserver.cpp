@@ -1391,6 +1391,20 @@ void tst_ZylServer::leadingTableInTargetStyle()
     const QString merged = m_dir.filePath(QStringLiteral("table-first-merged.doc"));
     QCOMPARE(edited(workCopy(m_one, QStringLiteral("table-first-target.docx")), appending({source}), merged), 2);
     QCOMPARE(ZylTestDocuments::pageTexts(merged).size(), 2);
+
+    // Where it does change, the .doc export takes the style from the table's first paragraph, which
+    // named the source's style of a name the target has too: the landscape page came out portrait.
+    QByteArray flat = ZylTestDocuments::flatDocument(QVector<Page>{{"table one", Page::TableStart, 0}});
+    flat.replace("style:name=\"TN\" style:family=\"table\"", "style:name=\"TN\" style:family=\"table\" style:master-page-name=\"Landscape\"");
+    flat.replace("<text:p>table one", "<text:p text:style-name=\"PP\">table one");
+    const QString landscape = fromFlat(QStringLiteral("table-landscape.zyl"), flat);
+    const QString landscapeMerged = m_dir.filePath(QStringLiteral("table-landscape-merged.doc"));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("table-landscape-target.docx")), appending({landscape}), landscapeMerged), 2);
+    QStringList texts;
+    QVector<QSize> sizes;
+    QVERIFY(ZylTestDocuments::readPages(landscapeMerged, &texts, &sizes));
+    QCOMPARE(sizes.size(), 2);
+    QVERIFY2(sizes[1].width() > sizes[1].height(), qPrintable(QStringLiteral("%1x%2").arg(sizes[1].width()).arg(sizes[1].height())));
 }
 
 void tst_ZylServer::docKeepsEmptyParagraphFonts()
