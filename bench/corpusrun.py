@@ -119,6 +119,11 @@ def pdf_pages(pdf, timeout):
     code, text, _ = run(["pdftotext", "-enc", "UTF-8", pdf, "-"], timeout)
     if code != 0:
         return None
+    # A file name field shows the name of the document it is in: the source's in the source, the
+    # merged document's once merged. Both read as one word.
+    stem = os.path.splitext(pdf)[0]
+    for own in (stem, os.path.basename(stem)):
+        text = re.sub(re.escape(own) + r"\.\w+", " ownfilename ", text)
     texts = text.split("\f")
     return [(texts[i] if i < len(texts) else "", sizes[i]) for i in range(len(sizes))]
 
