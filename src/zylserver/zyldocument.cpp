@@ -356,6 +356,8 @@ HRESULT ZylDocument::storeAtomically(ZylTextModel &model, const QString &target,
 {
     if (filter == QLatin1String("MS Word 97"))
         model.prepareLegacyWordSave();
+    else if (filter == QLatin1String("writer8"))
+        model.layoutRules().applyTo(m_document);
     const QFileInfo info(target);
     if (!info.absoluteDir().exists())
         return E_INVALIDARG;

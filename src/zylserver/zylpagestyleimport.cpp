@@ -698,6 +698,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     m_startsWithTable = false;
     m_endsHidden = false;
     m_first = m_last = EdgeParagraph();
+    m_rules = ZylLayoutRules();
     // Tracked changes are carried by edits that a document opened read-only refuses.
     const bool reuse = loaded.is() && !ZylTrackedChanges::hasChanges(loaded);
     if (loaded.is() && !reuse)
@@ -719,6 +720,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     } closer{model};
     // Every change to a document whose controllers are unlocked lays it out again.
     model->lockControllers();
+    m_rules = ZylLayoutRules::of(model);
 
     if (hasFragileShapeOutsideBody(source)) {
         // Its page styles stay behind: they would not keep their names in the Word format.

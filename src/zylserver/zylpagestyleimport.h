@@ -14,6 +14,7 @@
 #include <com/sun/star/text/XTextDocument.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 
+#include "zyllayoutrules.h"
 #include "zyltrackedchanges.h"
 
 class ZylPageStyleImport {
@@ -30,6 +31,8 @@ public:
                  const css::uno::Reference<css::frame::XModel> &loaded = css::uno::Reference<css::frame::XModel>());
 
     QString preparedUrl() const { return m_url; }
+    // The document's own, read whether or not a copy was written.
+    const ZylLayoutRules &layoutRules() const { return m_rules; }
     // Empty when no copy was written.
     QString preparedPath() const { return m_path; }
     // The page style the inserted content starts with, as named in the target after insertion.
@@ -84,4 +87,5 @@ private:
     EdgeParagraph m_first;
     EdgeParagraph m_last;
     ZylTrackedChanges m_changes;
+    ZylLayoutRules m_rules;
 };

@@ -159,6 +159,11 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
                 }
             } preparedCopy{prepared ? layout.preparedPath() : QString()};
             const LONG before = model.endPosition();
+            // Pages the document has of its own: the page the merge started for this one is not.
+            int pagesBefore = model.pageCount();
+            LONG lastStart = -1;
+            if (SUCCEEDED(model.pageStart(pagesBefore, &lastStart)) && pagesBefore > 1 && lastStart + 1 >= m_start)
+                --pagesBefore;
             const ZylTextModel::Insertion known{layout.firstPageStyle(), layout.firstPageNumber(),
                                                 layout.startsWithTable(), layout.endsHidden(),
                                                 layout.firstParagraph(), layout.lastParagraph()};
@@ -168,8 +173,10 @@ HRESULT ZylRange::invokeMember(int id, const Args &args, VARIANT *result)
                 layout.restoreChanges(m_document);
             if (prepared && inserted == E_FAIL)
                 inserted = model.insertFile(m_start, url);
-            if (SUCCEEDED(inserted))
+            if (SUCCEEDED(inserted)) {
                 m_end = m_start + (model.endPosition() - before);
+                model.layoutRules().inserted(layout.layoutRules(), model.pageCount() - pagesBefore, m_document, pagesBefore);
+            }
             return inserted;
         });
     }

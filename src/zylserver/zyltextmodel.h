@@ -37,6 +37,7 @@
 
 #include <vcomrt/com.h>
 
+#include "zyllayoutrules.h"
 #include "zylpagestyleimport.h"
 
 class ZylReferences;
@@ -87,6 +88,8 @@ public:
         ZylPageStyleImport::EdgeParagraph first;
         ZylPageStyleImport::EdgeParagraph last;
     };
+    // Whose layout rules the document keeps when saved.
+    ZylLayoutRules &layoutRules() { return m_layoutRules; }
     // Inserts the document at url; E_FAIL when nothing arrived.
     HRESULT insertFile(LONG position, const QString &url, const Insertion &known);
     HRESULT insertFile(LONG position, const QString &url) { return insertFile(position, url, Insertion()); }
@@ -258,4 +261,5 @@ private:
     int m_pagesAnchor = -1; // pages from the one before the page this element ends on may differ; -1: all
     std::vector<LONG> m_pageStarts; // by printed page, -1 where not asked yet
     unsigned long m_pageStartsGeneration = 0;
+    ZylLayoutRules m_layoutRules;
 };

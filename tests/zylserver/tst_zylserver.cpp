@@ -216,6 +216,8 @@ private slots:
     void fullPageTable_data();
     void fullPageTable();
     void leadingTableInTargetStyle();
+    void layoutRulesOfTheLargestPart_data();
+    void layoutRulesOfTheLargestPart();
     void docKeepsEmptyParagraphFonts();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
@@ -1405,6 +1407,50 @@ void tst_ZylServer::leadingTableInTargetStyle()
     QVERIFY(ZylTestDocuments::readPages(landscapeMerged, &texts, &sizes));
     QCOMPARE(sizes.size(), 2);
     QVERIFY2(sizes[1].width() > sizes[1].height(), qPrintable(QStringLiteral("%1x%2").arg(sizes[1].width()).arg(sizes[1].height())));
+}
+
+void tst_ZylServer::layoutRulesOfTheLargestPart_data()
+{
+    QTest::addColumn<int>("pages"); // of the part appended to the one-page Word target
+    QTest::addColumn<QByteArray>("kept");
+    QTest::newRow("larger_part") << 2 << QByteArray("true");
+    QTest::newRow("equal_part") << 1 << QByteArray("false");
+}
+
+void tst_ZylServer::layoutRulesOfTheLargestPart()
+{
+    // An OpenDocument source saved with a Word target kept the target's rules, under which its
+    // lines took more room: a full page ran over (api-for-odfpy.odt page 48).
+    QFETCH(int, pages);
+    QFETCH(QByteArray, kept);
+    const QByteArray namespaces = "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
+        " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\" xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
+        " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+        " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\"";
+    QByteArray body = "<text:p>part page 1</text:p>";
+    for (int page = 2; page <= pages; ++page)
+        body += "<text:p text:style-name=\"B\">part page " + QByteArray::number(page) + "</text:p>";
+    const QString source = m_dir.filePath(QStringLiteral("rules-%1.zyl").arg(QTest::currentDataTag()));
+    QVERIFY(zipPackage(source, {
+        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+        {QStringLiteral("META-INF/manifest.xml"),
+         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\"><manifest:file-entry"
+         " manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/><manifest:file-entry"
+         " manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/><manifest:file-entry"
+         " manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
+        {QStringLiteral("content.xml"), "<office:document-content " + namespaces + " office:version=\"1.2\"><office:automatic-styles>"
+         "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/>"
+         "</style:style></office:automatic-styles><office:body><office:text>" + body + "</office:text></office:body></office:document-content>"},
+        {QStringLiteral("settings.xml"), "<office:document-settings " + namespaces + " office:version=\"1.2\"><office:settings>"
+         "<config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item config:name=\"UnxForceZeroExtLeading\""
+         " config:type=\"boolean\">true</config:config-item></config:config-item-set></office:settings></office:document-settings>"}}));
+    const QString saved = m_dir.filePath(QStringLiteral("rules-%1-merged.zyl").arg(QTest::currentDataTag()));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("rules-target.docx")), appending({source}), saved), 1 + pages);
+    QProcess unzip;
+    unzip.start(QStringLiteral("unzip"), {QStringLiteral("-p"), saved, QStringLiteral("settings.xml")});
+    QVERIFY(unzip.waitForFinished());
+    const QByteArray settings = unzip.readAllStandardOutput();
+    QVERIFY2(settings.contains("config:name=\"UnxForceZeroExtLeading\" config:type=\"boolean\">" + kept), settings.left(200).constData());
 }
 
 void tst_ZylServer::docKeepsEmptyParagraphFonts()
