@@ -37,7 +37,10 @@
 #include <com/sun/star/text/PageNumberType.hpp>
 #include <com/sun/star/text/XDocumentIndex.hpp>
 #include <com/sun/star/text/XPageCursor.hpp>
+#include <com/sun/star/text/TextContentAnchorType.hpp>
 #include <com/sun/star/text/XTextField.hpp>
+#include <com/sun/star/text/XTextFrame.hpp>
+#include <com/sun/star/text/XTextFramesSupplier.hpp>
 #include <com/sun/star/text/XTextRangeCompare.hpp>
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
@@ -794,6 +797,41 @@ LONG ZylTextModel::endPosition()
     return layout().length + 1;
 }
 
+// A frame anchored before a cut of the pages from start to the end, but shown on those pages (its
+// paragraph runs on to them), made a page of its own once the document was opened again.
+void ZylTextModel::dropFramesShownFrom(LONG start)
+{
+    // Only a page start asked for already, as a cut of pages does.
+    const auto asked = std::find(m_pageStarts.begin(), m_pageStarts.end(), start);
+    const std::vector<int> printed = printedPages();
+    if (m_pageStartsGeneration != m_generation || asked == m_pageStarts.end() || m_pageStarts.size() != printed.size())
+        return;
+    const int firstCut = printed[size_t(asked - m_pageStarts.begin())];
+    uno::Reference<text::XTextFramesSupplier> supplier(m_document, uno::UNO_QUERY);
+    uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY);
+    if (!supplier.is() || !model.is())
+        return;
+    uno::Reference<text::XTextViewCursorSupplier> views(model->getCurrentController(), uno::UNO_QUERY_THROW);
+    uno::Reference<text::XTextViewCursor> view = views->getViewCursor();
+    uno::Reference<text::XPageCursor> pageOf(view, uno::UNO_QUERY_THROW);
+    const uno::Reference<container::XNameAccess> frames = supplier->getTextFrames();
+    std::vector<uno::Reference<text::XTextContent>> shownThere;
+    for (const rtl::OUString &name : frames->getElementNames()) {
+        uno::Reference<text::XTextFrame> frame(frames->getByName(name), uno::UNO_QUERY);
+        uno::Reference<beans::XPropertySet> props(frame, uno::UNO_QUERY);
+        text::TextContentAnchorType anchorType = text::TextContentAnchorType_AT_PAGE;
+        if (!frame.is() || !props.is() || !(props->getPropertyValue(ou("AnchorType")) >>= anchorType)
+            || (anchorType != text::TextContentAnchorType_AT_PARAGRAPH && anchorType != text::TextContentAnchorType_AT_CHARACTER)
+            || frame->getAnchor()->getText() != m_text)
+            continue;
+        view->gotoRange(frame->getText()->getStart(), false);
+        if (pageOf->getPage() >= firstCut)
+            shownThere.emplace_back(frame, uno::UNO_QUERY);
+    }
+    for (const auto &frame : shownThere)
+        m_text->removeTextContent(frame);
+}
+
 HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
 {
     placeEndnotes();
@@ -815,6 +853,8 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     const int last = int(l.elements.size()) - 1;
     OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
+    if (cut.end == CutEnd::BodyEnd && start > 0)
+        dropFramesShownFrom(start);
     const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
     // What starts the body after a cut from its start (its ends may have moved to whole elements).

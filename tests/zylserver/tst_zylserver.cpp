@@ -188,6 +188,7 @@ private slots:
     void corpus();
     void corpusPageDeleted_data();
     void corpusPageDeleted();
+    void frameShownOnPagesCutGoes();
     void deletePagesKeepsOthers_data();
     void deletePagesKeepsOthers();
     void deleteThroughSplitTable_data();
@@ -552,6 +553,16 @@ void tst_ZylServer::corpusPageDeleted()
     const int before = pageCount(work);
     QVERIFY(before >= last);
     QCOMPARE(edited(work, cutting(first, last)), before - (last - first + 1));
+}
+
+void tst_ZylServer::frameShownOnPagesCutGoes()
+{
+    // A frame anchored in a paragraph of page 2 that the office shows on page 3: once the pages
+    // from 3 on were cut, it made a page of its own when the document was opened again.
+    const QString work = workCopy(QStringLiteral(ZYL_TEST_DATA "/ClimateChange2.odt"), QStringLiteral("frame-cut.odt"));
+    const QString saved = m_dir.filePath(QStringLiteral("frame-cut.zyl"));
+    QCOMPARE(edited(work, cutting(3, 4), saved), 2);
+    QCOMPARE(ZylTestDocuments::pdfPageCount(saved), 2);
 }
 
 void tst_ZylServer::deletePagesKeepsOthers_data()
