@@ -10,11 +10,13 @@ using namespace com::sun::star;
 
 namespace {
 
-// The settings that move text on a page; printer, view and file settings stay the target's.
+// The settings that move text on a page; printer, view and file settings stay the target's. The
+// spacing of a paragraph before a table stays the target's too: a page that starts with a table
+// follows the paragraph the merge put before it, which the source did not have.
 const char *const layoutSettings[] = {
     "AddExternalLeading", "UnxForceZeroExtLeading", "PrinterIndependentLayout", "UseFormerLineSpacing",
     "UseFormerObjectPositioning", "UseFormerTextWrapping", "UseOldNumbering", "UseOldPrinterMetrics",
-    "AddParaTableSpacing", "AddParaTableSpacingAtStart", "AddParaSpacingToTableCells",
+    "AddParaTableSpacingAtStart", "AddParaSpacingToTableCells",
     "AddParaLineSpacingToTableCells", "AddVerticalFrameOffsets", "PropLineSpacingShrinksFirstLine",
     "IgnoreFirstLineIndentInNumbering", "IgnoreTabsAndBlanksForLineCalculation", "DoNotJustifyLinesWithManualBreak",
     "DoNotResetParaAttrsForNumFont", "DoNotCaptureDrawObjsOnPage", "ConsiderTextWrapOnObjPos",
