@@ -156,8 +156,8 @@ private:
     // Reads the elements again from `from` on, after the paragraph before it; false when it
     // cannot, and nothing is changed.
     bool readFrom(int from, int lastTouched);
-    // Layout page where the element ends; 0 when the view cannot tell.
     static void carryPageStyleIntoTable(const css::uno::Reference<css::text::XTextContent> &table);
+    // Layout page where the element ends; 0 when the view cannot tell.
     int pageOfEnd(const Element &e);
     // Index of the element that holds real point `point` (a paragraph from its start to its end
     // mark, or a table's slot); -1 beyond the body.
