@@ -662,7 +662,7 @@ HRESULT ZylTextModel::pageStart(int page, LONG *position)
     return S_OK;
 }
 
-HRESULT ZylTextModel::findPageStart(int page, LONG *position)
+HRESULT ZylTextModel::findPageStart(int page, LONG *position, bool maySplit)
 {
     const std::vector<int> printed = printedPages();
     if (page < 1 || page > int(printed.size()))
@@ -696,6 +696,16 @@ HRESULT ZylTextModel::findPageStart(int page, LONG *position)
         if (x < 0) {
             qCInfo(lcZylServer) << "GoTo page" << page << ": its start is not in a body paragraph";
             return E_FAIL;
+        }
+        uno::Reference<text::XTextRange> paragraph(l.elements[size_t(index)].content, uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextRangeCompare> compare(m_text, uno::UNO_QUERY_THROW);
+        if (maySplit && x == l.elements[size_t(index)].base && compare->compareRegionStarts(paragraph->getStart(), view->getStart()) > 0) {
+            // The page begins after pictures or objects in the text of its paragraph, which no
+            // position in the text tells apart from its start: the paragraph is split there.
+            OwnEdit own(*this);
+            touch(index, index + 1);
+            m_text->insertControlCharacter(view->getStart(), text::ControlCharacter::PARAGRAPH_BREAK, false);
+            return findPageStart(page, position, false);
         }
         const bool atParagraphStart = x == l.elements[size_t(index)].base;
         const bool afterParagraph = index > 0 && !l.elements[size_t(index - 1)].isTable;

@@ -142,7 +142,7 @@ private:
     // Layout page numbers of the pages that are printed, in order.
     const std::vector<int> &printedPages();
     const Layout &layout();
-    HRESULT findPageStart(int page, LONG *position);
+    HRESULT findPageStart(int page, LONG *position, bool maySplit = true);
     void dropFramesShownFrom(LONG start);
     // Drops what is cached when someone else changed the document.
     void sync();

@@ -188,6 +188,8 @@ private slots:
     void corpus();
     void corpusPageDeleted_data();
     void corpusPageDeleted();
+    void pageBetweenObjectsCut_data();
+    void pageBetweenObjectsCut();
     void frameShownOnPagesCutGoes();
     void deletePagesKeepsOthers_data();
     void deletePagesKeepsOthers();
@@ -553,6 +555,27 @@ void tst_ZylServer::corpusPageDeleted()
     const int before = pageCount(work);
     QVERIFY(before >= last);
     QCOMPARE(edited(work, cutting(first, last)), before - (last - first + 1));
+}
+
+void tst_ZylServer::pageBetweenObjectsCut_data()
+{
+    QTest::addColumn<int>("page");
+    QTest::newRow("first") << 1;
+    QTest::newRow("middle") << 2;
+    QTest::newRow("last") << 3;
+}
+
+void tst_ZylServer::pageBetweenObjectsCut()
+{
+    // One paragraph of three shapes as tall as a page, in the text: a page that begins between two
+    // of them began, to the text, where the paragraph does, and no cut took one page.
+    QFETCH(int, page);
+    const QString source = fromFlat(QStringLiteral("objects-%1.zyl").arg(page), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:body><office:text><text:p>%1</text:p></office:text></office:body>")
+        .arg(QStringLiteral("<draw:rect text:anchor-type=\"as-char\" svg:width=\"10cm\" svg:height=\"20cm\"/>").repeated(3))));
+    const QString saved = m_dir.filePath(QStringLiteral("objects-%1-cut.zyl").arg(page));
+    QCOMPARE(edited(source, cutting(page, page), saved), 2);
+    QCOMPARE(ZylTestDocuments::pdfPageCount(saved), 2);
 }
 
 void tst_ZylServer::frameShownOnPagesCutGoes()
