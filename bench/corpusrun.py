@@ -24,6 +24,7 @@ refuses by design) and, for each failure, the document, the range and the reason
 import argparse
 import concurrent.futures
 import difflib
+import glob
 import hashlib
 import json
 import os
@@ -122,8 +123,10 @@ def pdf_pages(pdf, timeout):
     # A file name field shows the name of the document it is in: the source's in the source, the
     # merged document's once merged. Both read as one word.
     stem = os.path.splitext(pdf)[0]
-    for own in (stem, os.path.basename(stem)):
-        text = re.sub(re.escape(own) + r"\.\w+", " ownfilename ", text)
+    for document in glob.glob(glob.escape(stem) + ".*"):
+        if document != pdf:
+            for own in (document, os.path.basename(document)):
+                text = re.sub(r"(?<![\w/.])" + re.escape(own) + r"(?!\w)", " ownfilename ", text)
     texts = text.split("\f")
     return [(texts[i] if i < len(texts) else "", sizes[i]) for i in range(len(sizes))]
 
