@@ -244,6 +244,7 @@ private:
     QString workCopy(const QString &source, const QString &name);
     // The document under name that the office makes of a flat one; empty on failure.
     QString fromFlat(const QString &name, const QByteArray &flat);
+    QString package(const QString &name, const QByteArray &version, const QByteArray &setting, const QByteArray &body);
     // Opens path, lets edit change it, saves it (as savedAs when given) and closes it; the pages
     // the server counts after the edit, -1 on failure.
     int edited(const QString &path, const std::function<HRESULT(IDispatch *)> &edit, const QString &savedAs = QString());
@@ -348,6 +349,33 @@ int tst_ZylServer::pageCount(const QString &path)
     int pages = -1;
     const bool counted = SUCCEEDED(m_zyl->openDocument(path, &doc)) && SUCCEEDED(m_zyl->computeStatistics(doc.get(), &pages));
     return doc && SUCCEEDED(m_zyl->closeDocument(doc.get())) && counted ? pages : -1;
+}
+
+// A package of content.xml's body, with one setting of the set named in settings.xml when one is given.
+QString tst_ZylServer::package(const QString &name, const QByteArray &version, const QByteArray &setting, const QByteArray &body)
+{
+    const QByteArray namespaces =
+        "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
+        " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
+        " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
+        " xmlns:xlink=\"http://www.w3.org/1999/xlink\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
+        " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\"";
+    QList<QPair<QString, QByteArray>> entries = {
+        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
+        {QStringLiteral("META-INF/manifest.xml"),
+         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
+         "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
+         "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
+         + QByteArray(setting.isEmpty() ? "" : "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/>")
+         + "</manifest:manifest>"},
+        {QStringLiteral("content.xml"), "<office:document-content " + namespaces + " office:version=\"" + version + "\">" + body
+         + "</office:document-content>"}};
+    if (!setting.isEmpty())
+        entries.append({QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + namespaces
+                        + " office:version=\"" + version + "\"><office:settings>" + setting + "</office:settings></office:document-settings>"});
+    const QString path = m_dir.filePath(name);
+    zipPackage(path, entries);
+    return path;
 }
 
 QString tst_ZylServer::fromFlat(const QString &name, const QByteArray &flat)
@@ -993,31 +1021,6 @@ void tst_ZylServer::appendMadeDocument_data()
     QStringList run;
     for (int line = 1; line <= 35; ++line)
         run << QStringLiteral("line %1").arg(line);
-    // A package of content.xml's body, with one setting of the set named in settings.xml when one is given.
-    const auto package = [this](const QString &name, const QByteArray &version, const QByteArray &setting, const QByteArray &body) {
-        const QByteArray namespaces =
-            "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\""
-            " xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
-            " xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\" xmlns:svg=\"urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0\""
-            " xmlns:xlink=\"http://www.w3.org/1999/xlink\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
-            " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\"";
-        QList<QPair<QString, QByteArray>> entries = {
-            {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
-            {QStringLiteral("META-INF/manifest.xml"),
-             "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\">"
-             "<manifest:file-entry manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/>"
-             "<manifest:file-entry manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/>"
-             + QByteArray(setting.isEmpty() ? "" : "<manifest:file-entry manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/>")
-             + "</manifest:manifest>"},
-            {QStringLiteral("content.xml"), "<office:document-content " + namespaces + " office:version=\"" + version + "\">" + body
-             + "</office:document-content>"}};
-        if (!setting.isEmpty())
-            entries.append({QStringLiteral("settings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><office:document-settings " + namespaces
-                            + " office:version=\"" + version + "\"><office:settings>" + setting + "</office:settings></office:document-settings>"});
-        const QString path = m_dir.filePath(name);
-        zipPackage(path, entries);
-        return path;
-    };
     const QString noTopSpacing = package(QStringLiteral("no-top-spacing.zyl"), "1.1",
         "<config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item config:name=\"AddParaTableSpacingAtStart\""
         " config:type=\"boolean\">false</config:config-item></config:config-item-set>",
@@ -1457,27 +1460,14 @@ void tst_ZylServer::layoutRulesOfTheLargestPart()
     // lines took more room: a full page ran over (api-for-odfpy.odt page 48).
     QFETCH(int, pages);
     QFETCH(QByteArray, kept);
-    const QByteArray namespaces = "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\""
-        " xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\" xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\""
-        " xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\""
-        " xmlns:config=\"urn:oasis:names:tc:opendocument:xmlns:config:1.0\" xmlns:ooo=\"http://openoffice.org/2004/office\"";
     QByteArray body = "<text:p>part page 1</text:p>";
     for (int page = 2; page <= pages; ++page)
         body += "<text:p text:style-name=\"B\">part page " + QByteArray::number(page) + "</text:p>";
-    const QString source = m_dir.filePath(QStringLiteral("rules-%1.zyl").arg(QTest::currentDataTag()));
-    QVERIFY(zipPackage(source, {
-        {QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text"},
-        {QStringLiteral("META-INF/manifest.xml"),
-         "<manifest:manifest xmlns:manifest=\"urn:oasis:names:tc:opendocument:xmlns:manifest:1.0\"><manifest:file-entry"
-         " manifest:full-path=\"/\" manifest:media-type=\"application/vnd.oasis.opendocument.text\"/><manifest:file-entry"
-         " manifest:full-path=\"content.xml\" manifest:media-type=\"text/xml\"/><manifest:file-entry"
-         " manifest:full-path=\"settings.xml\" manifest:media-type=\"text/xml\"/></manifest:manifest>"},
-        {QStringLiteral("content.xml"), "<office:document-content " + namespaces + " office:version=\"1.2\"><office:automatic-styles>"
-         "<style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties fo:break-before=\"page\"/>"
-         "</style:style></office:automatic-styles><office:body><office:text>" + body + "</office:text></office:body></office:document-content>"},
-        {QStringLiteral("settings.xml"), "<office:document-settings " + namespaces + " office:version=\"1.2\"><office:settings>"
-         "<config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item config:name=\"UnxForceZeroExtLeading\""
-         " config:type=\"boolean\">true</config:config-item></config:config-item-set></office:settings></office:document-settings>"}}));
+    const QString source = package(QStringLiteral("rules-%1.zyl").arg(QTest::currentDataTag()), "1.2",
+        "<config:config-item-set config:name=\"ooo:configuration-settings\"><config:config-item config:name=\"UnxForceZeroExtLeading\""
+        " config:type=\"boolean\">true</config:config-item></config:config-item-set>",
+        "<office:automatic-styles><style:style style:name=\"B\" style:family=\"paragraph\"><style:paragraph-properties"
+        " fo:break-before=\"page\"/></style:style></office:automatic-styles><office:body><office:text>" + body + "</office:text></office:body>");
     const QString saved = m_dir.filePath(QStringLiteral("rules-%1-merged.zyl").arg(QTest::currentDataTag()));
     QCOMPARE(edited(workCopy(m_one, QStringLiteral("rules-target.docx")), appending({source}), saved), 1 + pages);
     QProcess unzip;
