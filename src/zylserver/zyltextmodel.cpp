@@ -807,16 +807,30 @@ LONG ZylTextModel::endPosition()
     return layout().length + 1;
 }
 
-// A frame anchored before a cut of the pages from start to the end, but shown on those pages (its
-// paragraph runs on to them), made a page of its own once the document was opened again.
-void ZylTextModel::dropFramesShownFrom(LONG start)
+// Before a cut of the pages from start to the end: the pages before it are to stay as they are.
+void ZylTextModel::keepPagesBefore(const Layout &l, LONG start)
 {
     // Only a page start asked for already, as a cut of pages does.
     const auto asked = std::find(m_pageStarts.begin(), m_pageStarts.end(), start);
     const std::vector<int> printed = printedPages();
     if (m_pageStartsGeneration != m_generation || asked == m_pageStarts.end() || m_pageStarts.size() != printed.size())
         return;
-    const int firstCut = printed[size_t(asked - m_pageStarts.begin())];
+    const size_t firstCut = size_t(asked - m_pageStarts.begin());
+    // The last page kept may begin where it does only because of what follows (headings kept with
+    // the paragraph after them, which a page break moves on): without it they ran back. Its start
+    // is read without splitting a paragraph, as the cut is placed already.
+    LONG lastKept = firstCut >= 2 ? m_pageStarts[firstCut - 1] : -1;
+    if (firstCut >= 2 && (lastKept >= 0 || SUCCEEDED(findPageStart(int(firstCut), &lastKept, false)))) {
+        const int index = elementAt(l, int(lastKept));
+        uno::Reference<beans::XPropertySet> props(index > 0 ? l.elements[size_t(index)].content : nullptr, uno::UNO_QUERY);
+        if (props.is() && !l.elements[size_t(index)].isTable && l.elements[size_t(index)].base == lastKept) {
+            const BreakState state = breakStateOf(l.elements[size_t(index)]);
+            if (state.valid && state.pageDesc.isEmpty() && state.breakType == style::BreakType_NONE)
+                props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
+        }
+    }
+    // A frame anchored before the cut but shown on the pages cut (its paragraph runs on to them)
+    // made a page of its own once the document was opened again.
     uno::Reference<text::XTextFramesSupplier> supplier(m_document, uno::UNO_QUERY);
     uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY);
     if (!supplier.is() || !model.is())
@@ -835,7 +849,7 @@ void ZylTextModel::dropFramesShownFrom(LONG start)
             || frame->getAnchor()->getText() != m_text)
             continue;
         view->gotoRange(frame->getText()->getStart(), false);
-        if (pageOf->getPage() >= firstCut)
+        if (pageOf->getPage() >= printed[firstCut])
             shownThere.emplace_back(frame, uno::UNO_QUERY);
     }
     for (const auto &frame : shownThere)
@@ -864,7 +878,7 @@ HRESULT ZylTextModel::deleteRange(LONG start, LONG end)
     OwnEdit own(*this);
     UndoContext undo(m_document, "Delete");
     if (cut.end == CutEnd::BodyEnd && start > 0)
-        dropFramesShownFrom(start);
+        keepPagesBefore(l, start);
     const ZylReferences references(m_document);
     touch(cut.fromVirtualMark ? 0 : cut.startIndex - 1, std::min(last, cut.endIndex + 1));
     // What starts the body after a cut from its start (its ends may have moved to whole elements).

@@ -143,7 +143,7 @@ private:
     const std::vector<int> &printedPages();
     const Layout &layout();
     HRESULT findPageStart(int page, LONG *position, bool maySplit = true);
-    void dropFramesShownFrom(LONG start);
+    void keepPagesBefore(const Layout &l, LONG start);
     // Drops what is cached when someone else changed the document.
     void sync();
     // Records, right before an edit, that elements first..last of the current layout are about to

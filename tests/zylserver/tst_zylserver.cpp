@@ -190,6 +190,7 @@ private slots:
     void corpusPageDeleted();
     void pageBetweenObjectsCut_data();
     void pageBetweenObjectsCut();
+    void lastPageKeptBeginsWhereItDid();
     void frameShownOnPagesCutGoes();
     void deletePagesKeepsOthers_data();
     void deletePagesKeepsOthers();
@@ -604,6 +605,18 @@ void tst_ZylServer::pageBetweenObjectsCut()
     const QString saved = m_dir.filePath(QStringLiteral("objects-%1-cut.zyl").arg(page));
     QCOMPARE(edited(source, cutting(page, page), saved), 2);
     QCOMPARE(ZylTestDocuments::pdfPageCount(saved), 2);
+}
+
+void tst_ZylServer::lastPageKeptBeginsWhereItDid()
+{
+    // Page 2 holds only empty headings, each kept with the next, that page 1 could not hold whole.
+    // Cut from page 3 on and appended, they ran back onto page 1 of the saved document and page 2
+    // was gone.
+    const QString cut = m_dir.filePath(QStringLiteral("kept-chain-cut.doc"));
+    QCOMPARE(edited(workCopy(QStringLiteral(ZYL_TEST_DATA "/Bug53380_3.doc"), QStringLiteral("kept-chain.doc")), cutting(3, 29), cut), 2);
+    const QString merged = m_dir.filePath(QStringLiteral("kept-chain-merged.doc"));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("kept-chain-target.docx")), appending({cut}), merged), 3);
+    QCOMPARE(ZylTestDocuments::pdfPageCount(merged), 3);
 }
 
 void tst_ZylServer::frameShownOnPagesCutGoes()
