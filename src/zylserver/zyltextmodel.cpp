@@ -816,16 +816,18 @@ void ZylTextModel::keepPagesBefore(const Layout &l, LONG start)
     if (m_pageStartsGeneration != m_generation || asked == m_pageStarts.end() || m_pageStarts.size() != printed.size())
         return;
     const size_t firstCut = size_t(asked - m_pageStarts.begin());
-    // The last page kept may begin where it does only because of what follows (headings kept with
-    // the paragraph after them, which a page break moves on): without it they ran back. Its start
-    // is read without splitting a paragraph, as the cut is placed already.
+    // The last page kept may begin where it does only because of what follows: a paragraph kept
+    // with the next, which a page break after them moves on with it; without that break it ran
+    // back. Its start is read without splitting a paragraph, as the cut is placed already.
     LONG lastKept = firstCut >= 2 ? m_pageStarts[firstCut - 1] : -1;
     if (firstCut >= 2 && (lastKept >= 0 || SUCCEEDED(findPageStart(int(firstCut), &lastKept, false)))) {
         const int index = elementAt(l, int(lastKept));
         uno::Reference<beans::XPropertySet> props(index > 0 ? l.elements[size_t(index)].content : nullptr, uno::UNO_QUERY);
         if (props.is() && !l.elements[size_t(index)].isTable && l.elements[size_t(index)].base == lastKept) {
             const BreakState state = breakStateOf(l.elements[size_t(index)]);
-            if (state.valid && state.pageDesc.isEmpty() && state.breakType == style::BreakType_NONE)
+            bool keptWithNext = false;
+            props->getPropertyValue(ou("ParaKeepTogether")) >>= keptWithNext;
+            if (keptWithNext && state.valid && state.pageDesc.isEmpty() && state.breakType == style::BreakType_NONE)
                 props->setPropertyValue(ou("BreakType"), uno::Any(style::BreakType_PAGE_BEFORE));
         }
     }
