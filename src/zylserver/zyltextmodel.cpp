@@ -299,6 +299,7 @@ void ZylTextModel::touch(int first, int last)
 
 void ZylTextModel::prepareLegacyWordSave()
 {
+    splitPictureParagraphsAtPages();
     static const std::vector<rtl::OUString> names = {ou("CharHeight"), ou("CharHeightAsian"), ou("CharHeightComplex"),
                                                      ou("CharWeight"), ou("CharPosture"), ou("CharFontName")};
     const uno::Sequence<rtl::OUString> all(names.data(), sal_Int32(names.size()));
@@ -330,6 +331,42 @@ void ZylTextModel::prepareLegacyWordSave()
         } catch (const uno::Exception &) {
             // It keeps what its style gives it.
         }
+    }
+}
+
+void ZylTextModel::splitPictureParagraphsAtPages()
+{
+    // The .doc export drops the page style of a paragraph that runs over more than one page. One of
+    // pictures or objects only is split where its pages begin, as a cut of its pages would split it.
+    std::vector<int> pages;
+    try {
+        const std::vector<int> printed = printedPages();
+        uno::Reference<frame::XModel> model(m_document, uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextViewCursorSupplier> supplier(model->getCurrentController(), uno::UNO_QUERY_THROW);
+        uno::Reference<text::XTextViewCursor> view = supplier->getViewCursor();
+        uno::Reference<text::XPageCursor> pageOf(view, uno::UNO_QUERY_THROW);
+        for (const Element &e : layout().elements) {
+            uno::Reference<beans::XPropertySet> props(e.content, uno::UNO_QUERY);
+            rtl::OUString pageDesc;
+            if (e.isTable || e.length != 0 || !props.is() || !(props->getPropertyValue(ou("PageDescName")) >>= pageDesc)
+                || pageDesc.isEmpty())
+                continue;
+            uno::Reference<text::XTextRange> range(e.content, uno::UNO_QUERY_THROW);
+            view->gotoRange(range->getStart(), false);
+            const int first = pageOf->getPage();
+            view->gotoRange(range->getEnd(), false);
+            const int last = pageOf->getPage();
+            for (size_t i = 0; i < printed.size(); ++i) {
+                if (printed[i] > first && printed[i] <= last)
+                    pages.push_back(int(i) + 1);
+            }
+        }
+    } catch (const uno::RuntimeException &) {
+        return; // hidden text has no place in the view
+    }
+    for (const int page : pages) {
+        LONG ignored = 0;
+        pageStart(page, &ignored);
     }
 }
 

@@ -156,6 +156,7 @@ private:
     // Reads the elements again from `from` on, after the paragraph before it; false when it
     // cannot, and nothing is changed.
     bool readFrom(int from, int lastTouched);
+    void splitPictureParagraphsAtPages();
     static void carryPageStyleIntoTable(const css::uno::Reference<css::text::XTextContent> &table);
     // Layout page where the element ends; 0 when the view cannot tell.
     int pageOfEnd(const Element &e);

@@ -222,6 +222,7 @@ private slots:
     void leadingTableInTargetStyle();
     void layoutRulesOfTheLargestPart_data();
     void layoutRulesOfTheLargestPart();
+    void docKeepsPageStyleOfPicturesOverPages();
     void docKeepsEmptyParagraphFonts();
     void editsMatchFreshReading_data();
     void editsMatchFreshReading();
@@ -1488,6 +1489,27 @@ void tst_ZylServer::layoutRulesOfTheLargestPart()
     QVERIFY(unzip.waitForFinished());
     const QByteArray settings = unzip.readAllStandardOutput();
     QVERIFY2(settings.contains("config:name=\"UnxForceZeroExtLeading\" config:type=\"boolean\">" + kept), settings.left(200).constData());
+}
+
+void tst_ZylServer::docKeepsPageStyleOfPicturesOverPages()
+{
+    // A landscape paragraph of two shapes in the text, a page each: the .doc export drops the page
+    // style of a paragraph that runs over pages, and both pages came out portrait.
+    const QString source = fromFlat(QStringLiteral("shapes-landscape.zyl"), ZylTestDocuments::flatDocument(QStringLiteral(
+        "<office:automatic-styles><style:page-layout style:name=\"pmL\"><style:page-layout-properties fo:page-width=\"29.7cm\""
+        " fo:page-height=\"21cm\" style:print-orientation=\"landscape\" fo:margin-top=\"2cm\" fo:margin-bottom=\"2cm\""
+        " fo:margin-left=\"2cm\" fo:margin-right=\"2cm\"/></style:page-layout><style:style style:name=\"P\" style:family=\"paragraph\""
+        " style:master-page-name=\"Wide\"/></office:automatic-styles><office:master-styles><style:master-page style:name=\"Wide\""
+        " style:page-layout-name=\"pmL\"/></office:master-styles><office:body><office:text><text:p text:style-name=\"P\">%1</text:p>"
+        "</office:text></office:body>").arg(QStringLiteral("<draw:rect text:anchor-type=\"as-char\" svg:width=\"20cm\" svg:height=\"14cm\"/>").repeated(2))));
+    const QString merged = m_dir.filePath(QStringLiteral("shapes-landscape-merged.doc"));
+    QCOMPARE(edited(workCopy(m_one, QStringLiteral("shapes-landscape-target.docx")), appending({source}), merged), 3);
+    QStringList texts;
+    QVector<QSize> sizes;
+    QVERIFY(ZylTestDocuments::readPages(merged, &texts, &sizes));
+    QCOMPARE(sizes.size(), 3);
+    for (int page = 1; page < 3; ++page)
+        QVERIFY2(sizes[page].width() > sizes[page].height(), qPrintable(QStringLiteral("page %1").arg(page + 1)));
 }
 
 void tst_ZylServer::docKeepsEmptyParagraphFonts()
