@@ -16,8 +16,8 @@ namespace {
 const char *const layoutSettings[] = {
     "AddExternalLeading", "UnxForceZeroExtLeading", "PrinterIndependentLayout", "UseFormerLineSpacing",
     "UseFormerObjectPositioning", "UseFormerTextWrapping", "UseOldNumbering", "UseOldPrinterMetrics",
-    "AddParaTableSpacingAtStart", "AddParaSpacingToTableCells",
-    "AddParaLineSpacingToTableCells", "AddVerticalFrameOffsets", "PropLineSpacingShrinksFirstLine",
+    "AddParaTableSpacingAtStart", "AddParaSpacingToTableCells", "AddParaLineSpacingToTableCells",
+    "AddVerticalFrameOffsets", "PropLineSpacingShrinksFirstLine",
     "IgnoreFirstLineIndentInNumbering", "IgnoreTabsAndBlanksForLineCalculation", "DoNotJustifyLinesWithManualBreak",
     "DoNotResetParaAttrsForNumFont", "DoNotCaptureDrawObjsOnPage", "ConsiderTextWrapOnObjPos",
     "SurroundTextWrapSmall", "SubtractFlysAnchoredAtFlys", "ClipAsCharacterAnchoredWriterFlyFrames",
