@@ -55,11 +55,13 @@
 #include <com/sun/star/text/XTextTable.hpp>
 #include <com/sun/star/text/XTextViewCursorSupplier.hpp>
 
+#include "zyldocinfofields.h"
 #include "zylendnotes.h"
 #include "zylfilters.h"
 #include "zylinteractionhandler.h"
 #include "zyllog.h"
 #include "zylsession.h"
+#include "zyltextboxes.h"
 #include "zyluno.h"
 
 using namespace css;
@@ -496,37 +498,6 @@ bool hasDrawnObjects(const uno::Reference<text::XTextDocument> &document)
     return supplier.is() && supplier->getDrawPage()->hasElements();
 }
 
-// A group of shapes, or a shape with a text frame of its own, in a header or footer. Inserting a
-// prepared OpenDocument copy that holds one can end the office; the Word format brings it in by
-// another way.
-bool hasFragileShapeOutsideBody(const uno::Reference<text::XTextDocument> &document)
-{
-    uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
-    if (!supplier.is())
-        return false;
-    const uno::Reference<uno::XInterface> body(document->getText(), uno::UNO_QUERY);
-    const uno::Reference<drawing::XDrawPage> page = supplier->getDrawPage();
-    for (sal_Int32 i = 0; i < page->getCount(); ++i) {
-        uno::Reference<beans::XPropertySet> shape(page->getByIndex(i), uno::UNO_QUERY);
-        uno::Reference<lang::XServiceInfo> info(shape, uno::UNO_QUERY);
-        bool textBox = false;
-        try {
-            if (!shape.is() || !info.is())
-                continue;
-            if (!info->supportsService(ou("com.sun.star.drawing.GroupShape"))
-                && (!(shape->getPropertyValue(ou("TextBox")) >>= textBox) || !textBox))
-                continue;
-        } catch (const uno::Exception &) {
-            continue; // not a shape that can have one
-        }
-        uno::Reference<text::XTextContent> content(shape, uno::UNO_QUERY);
-        const uno::Reference<text::XTextRange> anchor = content.is() ? content->getAnchor() : nullptr;
-        if (!anchor.is() || uno::Reference<uno::XInterface>(anchor->getText(), uno::UNO_QUERY) != body)
-            return true;
-    }
-    return false;
-}
-
 // A legacy link field keeps the linked object's data in a storage of its document's own, which
 // the document it goes into lacks: saving that one in the legacy format then fails. The field
 // leaves that storage behind and keeps its code and the picture it shows.
@@ -594,9 +565,10 @@ void fillMissingPictures(const uno::Reference<uno::XComponentContext> &context,
     }
 }
 
-// Stores the document under a fresh name in folder; empty when that failed.
+// Stores the document in the office's own format under a fresh name in folder; empty when that
+// failed.
 QString storeCopy(const uno::Reference<uno::XComponentContext> &context, const uno::Reference<text::XTextDocument> &document,
-                  const QString &folder, const char *filter, const QString &suffix)
+                  const QString &folder)
 {
     try {
         fillMissingPictures(context, document);
@@ -605,9 +577,9 @@ QString storeCopy(const uno::Reference<uno::XComponentContext> &context, const u
     }
     QString file;
     for (int n = 0; file.isEmpty() || QFile::exists(file); ++n)
-        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.%3").arg(QCoreApplication::applicationPid()).arg(n).arg(suffix));
+        file = QDir(folder).filePath(QStringLiteral("zyl-layout-%1-%2.odt").arg(QCoreApplication::applicationPid()).arg(n));
     uno::Reference<frame::XStorable> storable(document, uno::UNO_QUERY_THROW);
-    const beans::PropertyValue filterName = property("FilterName", uno::Any(ou(filter)));
+    const beans::PropertyValue filterName = property("FilterName", uno::Any(ou("writer8")));
     storable->storeToURL(toOUString(fileUrl(file)),
                          uno::Sequence<beans::PropertyValue>(&filterName, 1));
     return QFile::exists(file) ? file : QString();
@@ -722,11 +694,12 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     model->lockControllers();
     m_rules = ZylLayoutRules::of(model);
 
-    if (hasFragileShapeOutsideBody(source)) {
-        // Its page styles stay behind: they would not keep their names in the Word format.
-        m_path = storeCopy(context, source, folder, "MS Word 2007 XML", QStringLiteral("docx"));
-        m_url = m_path.isEmpty() ? QString() : fileUrl(m_path);
-        return !m_path.isEmpty();
+    ZylTextBoxes::unframeOutsideBody(source);
+    bool fieldsFixed = false;
+    try {
+        fieldsFixed = ZylDocInfoFields::fix(source) > 0;
+    } catch (const uno::Exception &) {
+        // They show the merged document's properties.
     }
 
     bool endnotesPlaced = false;
@@ -890,7 +863,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
            });
     const bool hasChanges = ZylTrackedChanges::hasChanges(model);
     if (renamed.empty() && !paragraphStylesKept && !outlineKept && !endnotesPlaced && !topsDropped && !leadingTable.is() && !hasDrawnObjects(source)
-        && !hasChanges && !linksDropped && !restartsList) {
+        && !hasChanges && !linksDropped && !restartsList && !fieldsFixed) {
         // Nothing to change: the document goes in as it is, starting its first page style.
         m_url = fileUrl(path);
         if (!ZylFilters::isOpenDocument(path))
@@ -899,7 +872,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     }
     if (hasChanges)
         m_changes.mark(context, model);
-    m_path = storeCopy(context, source, folder, "writer8", QStringLiteral("odt"));
+    m_path = storeCopy(context, source, folder);
     if (m_path.isEmpty())
         return false;
     m_url = fileUrl(m_path);

@@ -948,9 +948,10 @@ void tst_ZylServer::appendMadeDocument_data()
     // A page of only a formula's picture arrived empty when the .doc was inserted as it was.
     QTest::newRow("legacy_picture_page") << QStringLiteral(ZYL_TEST_DATA "/equation.doc") << QByteArray()
                                          << QStringList{"a n+ b n= c n ; n> 2"} << QSize();
-    // Inserting a document with a text box in its header ended the office.
+    // Inserting a document with a text box in its header ended the office; then the box's text
+    // and the page layout stayed behind.
     const QByteArray textBox = pagedFlat(
-        "21cm", "29.7cm",
+        "8.5in", "11in",
         QStringLiteral("<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
                        " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
                        " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
@@ -958,10 +959,18 @@ void tst_ZylServer::appendMadeDocument_data()
                        "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape></text:p>"
                        "</style:header>"),
         QStringLiteral("<text:p>source body</text:p>"));
-    QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body"} << QSize(595, 842);
-    QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body"} << QSize(595, 842);
+    QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body boxed"} << QSize(612, 792);
+    QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body boxed"} << QSize(612, 792);
+    // Its headers' groups hold text boxes; its body's fields show the author and a property of its own.
     QTest::newRow("grouped_shapes_in_header") << QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx") << QByteArray()
-                                              << QStringList{"Analyste"} << QSize(595, 842);
+                                              << QStringList{"ROB (432)"} << QSize(595, 842);
+    // A field showing the document's subject showed the merged document's, which has none.
+    QTest::newRow("subject_field") << QStringLiteral("zyl")
+                                   << ZylTestDocuments::flatDocument(QStringLiteral(
+                                          "<office:meta><dc:subject>source subject</dc:subject></office:meta><office:body>"
+                                          "<office:text><text:p>about <text:subject>source subject</text:subject></text:p>"
+                                          "</office:text></office:body>"))
+                                   << QStringList{"about source subject"} << QSize();
     // Lines in paragraph style P1, whose own properties differ from those of its parent Standard.
     const auto lines = [](int count, const QString &standard, const QString &own, bool inTable) {
         QString body;
