@@ -694,7 +694,7 @@ bool ZylPageStyleImport::prepare(const uno::Reference<uno::XComponentContext> &c
     model->lockControllers();
     m_rules = ZylLayoutRules::of(model);
 
-    ZylTextBoxes::unframeOutsideBody(source);
+    ZylTextBoxes::separateOutsideBody(source);
     bool fieldsFixed = false;
     try {
         fieldsFixed = ZylDocInfoFields::fix(source) > 0;

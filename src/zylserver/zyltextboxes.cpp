@@ -1,16 +1,21 @@
 #include "zyltextboxes.h"
+#include <algorithm>
+#include <iterator>
 #include <vector>
+#include <com/sun/star/beans/PropertyAttribute.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySetInfo.hpp>
 #include <com/sun/star/container/XEnumeration.hpp>
 #include <com/sun/star/container/XEnumerationAccess.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/drawing/XDrawPageSupplier.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/text/ControlCharacter.hpp>
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/text/XTextContent.hpp>
 #include <com/sun/star/text/XTextCursor.hpp>
+#include <com/sun/star/text/XTextField.hpp>
 #include <com/sun/star/text/XTextFrame.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include "zyluno.h"
@@ -19,117 +24,133 @@ using namespace css;
 
 namespace {
 
-struct Run {
-    rtl::OUString text;
-    std::vector<beans::PropertyValue> properties;
-};
-
-struct Paragraph {
-    std::vector<beans::PropertyValue> properties;
-    std::vector<Run> runs;
-};
-
-// The values of object's character or paragraph properties that a drawn shape's text has too. Style
-// names and the Word formats' keepsakes mean nothing there.
-std::vector<beans::PropertyValue> formatting(const uno::Reference<beans::XPropertySet> &object, const char *prefix)
+// Copies every property that to can take whose name starts with prefix, styles first: setting a
+// style drops the formatting of one's own that it sets. Names, links to other frames, ruby text and
+// the Word formats' keepsakes belong to the box; page breaks mean nothing in a frame.
+void copyProperties(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to,
+                    const char *prefix = "")
 {
-    std::vector<beans::PropertyValue> values;
-    const rtl::OUString start = ou(prefix);
-    for (const beans::Property &p : object->getPropertySetInfo()->getProperties()) {
-        if (!p.Name.startsWith(start) || p.Name.indexOf("Style") >= 0 || p.Name.indexOf("Numbering") >= 0
-            || p.Name.indexOf("InteropGrabBag") >= 0)
-            continue;
-        try {
-            beans::PropertyValue value;
-            value.Name = p.Name;
-            value.Value = object->getPropertyValue(p.Name);
-            values.push_back(value);
-        } catch (const uno::Exception &) {
-        }
-    }
-    return values;
-}
-
-void apply(const std::vector<beans::PropertyValue> &values, const uno::Reference<beans::XPropertySet> &to)
-{
+    static const char *const own[] = {"TextBox", "TextBoxContent", "Name", "LinkDisplayName", "AnchorFrame", "AnchorPageNo",
+                                      "PageDescName", "PageNumberOffset", "BreakType", "CharAutoStyleName", "ParaAutoStyleName"};
     const uno::Reference<beans::XPropertySetInfo> info = to->getPropertySetInfo();
-    for (const beans::PropertyValue &value : values) {
-        if (!info->hasPropertyByName(value.Name))
-            continue;
+    std::vector<rtl::OUString> names;
+    for (const beans::Property &p : from->getPropertySetInfo()->getProperties()) {
+        if (p.Name.startsWith(ou(prefix)) && !p.Name.startsWith("Chain") && !p.Name.startsWith("Ruby")
+            && p.Name.indexOf("InteropGrabBag") < 0
+            && std::none_of(std::begin(own), std::end(own), [&](const char *name) { return p.Name.equalsAscii(name); })
+            && info->hasPropertyByName(p.Name)
+            && !(info->getPropertyByName(p.Name).Attributes & beans::PropertyAttribute::READONLY))
+            names.push_back(p.Name);
+    }
+    std::stable_partition(names.begin(), names.end(), [](const rtl::OUString &name) { return name.indexOf("StyleName") >= 0; });
+    for (const rtl::OUString &name : names) {
         try {
-            to->setPropertyValue(value.Name, value.Value);
+            to->setPropertyValue(name, from->getPropertyValue(name));
         } catch (const uno::Exception &) {
-            // Left as the shape's text has it.
+            // Left as the frame has it.
         }
     }
 }
 
-std::vector<Paragraph> read(const uno::Reference<text::XText> &text)
+// The same field, new; empty when the field needs more than its properties (a master) to exist.
+uno::Reference<text::XTextContent> copyField(const uno::Reference<lang::XMultiServiceFactory> &factory,
+                                             const uno::Reference<text::XTextField> &field)
 {
-    std::vector<Paragraph> paragraphs;
-    uno::Reference<container::XEnumerationAccess> access(text, uno::UNO_QUERY_THROW);
+    uno::Reference<lang::XServiceInfo> info(field, uno::UNO_QUERY);
+    for (const rtl::OUString &service : info.is() ? info->getSupportedServiceNames() : uno::Sequence<rtl::OUString>()) {
+        if (!service.startsWith("com.sun.star.text.TextField.") && !service.startsWith("com.sun.star.text.textfield."))
+            continue;
+        uno::Reference<text::XTextContent> copy(factory->createInstance(service), uno::UNO_QUERY);
+        if (copy.is())
+            copyProperties(uno::Reference<beans::XPropertySet>(field, uno::UNO_QUERY_THROW),
+                           uno::Reference<beans::XPropertySet>(copy, uno::UNO_QUERY_THROW));
+        return copy;
+    }
+    return nullptr;
+}
+
+// Appends from's paragraphs to to, with their text, fields and formatting.
+void copyText(const uno::Reference<lang::XMultiServiceFactory> &factory, const uno::Reference<text::XText> &from,
+              const uno::Reference<text::XText> &to)
+{
+    uno::Reference<container::XEnumerationAccess> access(from, uno::UNO_QUERY_THROW);
     const uno::Reference<container::XEnumeration> all = access->createEnumeration();
+    bool first = true;
+    const auto lastInserted = [&](sal_Int32 length) {
+        const uno::Reference<text::XTextCursor> cursor = to->createTextCursorByRange(to->getEnd());
+        cursor->goLeft(sal_Int16(std::min<sal_Int32>(length, SAL_MAX_INT16)), true);
+        return uno::Reference<beans::XPropertySet>(cursor, uno::UNO_QUERY_THROW);
+    };
     while (all->hasMoreElements()) {
         uno::Reference<container::XEnumerationAccess> portions(all->nextElement(), uno::UNO_QUERY);
-        uno::Reference<beans::XPropertySet> element(portions, uno::UNO_QUERY);
-        if (!portions.is() || !element.is())
-            continue; // a table: a drawn shape's text cannot hold one
-        Paragraph paragraph{formatting(element, "Para"), {}};
+        uno::Reference<beans::XPropertySet> paragraph(portions, uno::UNO_QUERY);
+        if (!portions.is() || !paragraph.is())
+            continue; // a table, rare in a box, stays behind
+        if (!first)
+            to->insertControlCharacter(to->getEnd(), text::ControlCharacter::PARAGRAPH_BREAK, false);
+        first = false;
+        // A paragraph style set after them would drop the characters' own formatting.
+        copyProperties(paragraph, lastInserted(0), "Para");
         const uno::Reference<container::XEnumeration> items = portions->createEnumeration();
         while (items->hasMoreElements()) {
             uno::Reference<text::XTextRange> portion(items->nextElement(), uno::UNO_QUERY);
             uno::Reference<beans::XPropertySet> props(portion, uno::UNO_QUERY);
             rtl::OUString type;
-            if (!portion.is() || !props.is() || !(props->getPropertyValue(ou("TextPortionType")) >>= type)
-                || type != ou("Text") || portion->getString().isEmpty())
+            if (!portion.is() || !props.is() || !(props->getPropertyValue(ou("TextPortionType")) >>= type))
                 continue;
-            paragraph.runs.push_back(Run{portion->getString(), formatting(props, "Char")});
+            if (type == ou("Text") && !portion->getString().isEmpty()) {
+                to->insertString(to->getEnd(), portion->getString(), false);
+                copyProperties(props, lastInserted(portion->getString().getLength()), "Char");
+            } else if (type == ou("TextField")) {
+                uno::Reference<text::XTextField> field(props->getPropertyValue(ou("TextField")), uno::UNO_QUERY);
+                if (!field.is())
+                    continue;
+                const uno::Reference<text::XTextContent> copy = copyField(factory, field);
+                try {
+                    if (!copy.is())
+                        throw uno::RuntimeException();
+                    to->insertTextContent(to->getEnd(), copy, false);
+                    copyProperties(props, lastInserted(1), "Char");
+                } catch (const uno::Exception &) {
+                    to->insertString(to->getEnd(), field->getPresentation(false), false);
+                }
+            }
         }
-        paragraphs.push_back(std::move(paragraph));
     }
-    return paragraphs;
 }
 
-bool unframe(const uno::Reference<beans::XPropertySet> &shape)
+bool separate(const uno::Reference<lang::XMultiServiceFactory> &factory, const uno::Reference<beans::XPropertySet> &shape)
 {
     bool textBox = false;
-    uno::Reference<text::XTextFrame> frame;
-    if (!shape->getPropertySetInfo()->hasPropertyByName(ou("TextBox")) || !(shape->getPropertyValue(ou("TextBox")) >>= textBox)
-        || !textBox || !(shape->getPropertyValue(ou("TextBoxContent")) >>= frame) || !frame.is())
+    uno::Reference<text::XTextFrame> box;
+    uno::Reference<text::XTextContent> content(shape, uno::UNO_QUERY);
+    if (!content.is() || !shape->getPropertySetInfo()->hasPropertyByName(ou("TextBox"))
+        || !(shape->getPropertyValue(ou("TextBox")) >>= textBox) || !textBox
+        || !(shape->getPropertyValue(ou("TextBoxContent")) >>= box) || !box.is())
         return false;
-    const std::vector<Paragraph> paragraphs = read(frame->getText());
+    const uno::Reference<text::XTextRange> anchor = content->getAnchor();
+    uno::Reference<text::XTextFrame> frame(factory->createInstance(ou("com.sun.star.text.TextFrame")), uno::UNO_QUERY_THROW);
+    anchor->getText()->insertTextContent(anchor, uno::Reference<text::XTextContent>(frame, uno::UNO_QUERY_THROW), false);
+    copyProperties(uno::Reference<beans::XPropertySet>(box, uno::UNO_QUERY_THROW),
+                   uno::Reference<beans::XPropertySet>(frame, uno::UNO_QUERY_THROW));
+    copyText(factory, box->getText(), frame->getText());
     shape->setPropertyValue(ou("TextBox"), uno::Any(false));
-    uno::Reference<text::XText> text(shape, uno::UNO_QUERY_THROW);
-    text->setString(rtl::OUString());
-    const uno::Reference<text::XTextCursor> cursor = text->createTextCursor();
-    for (size_t i = 0; i < paragraphs.size(); ++i) {
-        if (i > 0)
-            text->insertControlCharacter(text->getEnd(), text::ControlCharacter::PARAGRAPH_BREAK, false);
-        cursor->gotoEnd(false);
-        for (const Run &run : paragraphs[i].runs) {
-            text->insertString(text->getEnd(), run.text, false);
-            cursor->gotoEnd(false);
-            cursor->goLeft(sal_Int16(std::min<sal_Int32>(run.text.getLength(), SAL_MAX_INT16)), true);
-            apply(run.properties, uno::Reference<beans::XPropertySet>(cursor, uno::UNO_QUERY_THROW));
-        }
-        apply(paragraphs[i].properties, uno::Reference<beans::XPropertySet>(cursor, uno::UNO_QUERY_THROW));
-    }
     return true;
 }
 
-int unframeAll(const uno::Reference<uno::XInterface> &object)
+int separateAll(const uno::Reference<lang::XMultiServiceFactory> &factory, const uno::Reference<uno::XInterface> &object)
 {
     uno::Reference<lang::XServiceInfo> info(object, uno::UNO_QUERY);
     uno::Reference<container::XIndexAccess> group(object, uno::UNO_QUERY);
     if (info.is() && group.is() && info->supportsService(ou("com.sun.star.drawing.GroupShape"))) {
-        int moved = 0;
+        int separated = 0;
         for (sal_Int32 i = 0; i < group->getCount(); ++i)
-            moved += unframeAll(uno::Reference<uno::XInterface>(group->getByIndex(i), uno::UNO_QUERY));
-        return moved;
+            separated += separateAll(factory, uno::Reference<uno::XInterface>(group->getByIndex(i), uno::UNO_QUERY));
+        return separated;
     }
     uno::Reference<beans::XPropertySet> shape(object, uno::UNO_QUERY);
     try {
-        return shape.is() && unframe(shape) ? 1 : 0;
+        return shape.is() && separate(factory, shape) ? 1 : 0;
     } catch (const uno::Exception &) {
         return 0;
     }
@@ -137,16 +158,21 @@ int unframeAll(const uno::Reference<uno::XInterface> &object)
 
 } // namespace
 
-int ZylTextBoxes::unframeOutsideBody(const uno::Reference<text::XTextDocument> &document)
+int ZylTextBoxes::separateOutsideBody(const uno::Reference<text::XTextDocument> &document)
 {
     uno::Reference<drawing::XDrawPageSupplier> supplier(document, uno::UNO_QUERY);
-    if (!supplier.is())
+    uno::Reference<lang::XMultiServiceFactory> factory(document, uno::UNO_QUERY);
+    if (!supplier.is() || !factory.is())
         return 0;
     const uno::Reference<uno::XInterface> body(document->getText(), uno::UNO_QUERY);
     const uno::Reference<container::XIndexAccess> page(supplier->getDrawPage(), uno::UNO_QUERY);
-    int moved = 0;
-    for (sal_Int32 i = 0; page.is() && i < page->getCount(); ++i) {
-        const uno::Reference<uno::XInterface> shape(page->getByIndex(i), uno::UNO_QUERY);
+    // The frames made join the draw page: only the shapes there before are looked at.
+    const sal_Int32 count = page.is() ? page->getCount() : 0;
+    std::vector<uno::Reference<uno::XInterface>> shapes;
+    for (sal_Int32 i = 0; i < count; ++i)
+        shapes.emplace_back(page->getByIndex(i), uno::UNO_QUERY);
+    int separated = 0;
+    for (const auto &shape : shapes) {
         uno::Reference<text::XTextContent> content(shape, uno::UNO_QUERY);
         uno::Reference<text::XTextRange> anchor;
         try {
@@ -154,7 +180,7 @@ int ZylTextBoxes::unframeOutsideBody(const uno::Reference<text::XTextDocument> &
         } catch (const uno::RuntimeException &) {
         }
         if (!anchor.is() || uno::Reference<uno::XInterface>(anchor->getText(), uno::UNO_QUERY) != body)
-            moved += unframeAll(shape);
+            separated += separateAll(factory, shape);
     }
-    return moved;
+    return separated;
 }

@@ -949,18 +949,18 @@ void tst_ZylServer::appendMadeDocument_data()
     QTest::newRow("legacy_picture_page") << QStringLiteral(ZYL_TEST_DATA "/equation.doc") << QByteArray()
                                          << QStringList{"a n+ b n= c n ; n> 2"} << QSize();
     // Inserting a document with a text box in its header ended the office; then the box's text
-    // and the page layout stayed behind.
+    // and the page layout stayed behind. The box's page number field stays a field.
     const QByteArray textBox = pagedFlat(
         "8.5in", "11in",
         QStringLiteral("<style:header><text:p><draw:custom-shape text:anchor-type=\"char\" draw:style-name=\"G\" svg:width=\"5cm\""
-                       " svg:height=\"2cm\" svg:x=\"0cm\" svg:y=\"1cm\"><text:p>boxed</text:p><draw:enhanced-geometry"
-                       " svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
+                       " svg:height=\"2cm\" svg:x=\"10cm\" svg:y=\"1cm\"><text:p>boxed <text:page-number text:select-page=\"current\"/>"
+                       "</text:p><draw:enhanced-geometry svg:viewBox=\"0 0 0 0\" draw:type=\"ooxml-rect\" draw:text-areas=\"0 0 ?f3 ?f2\""
                        " draw:enhanced-path=\"M 0 0 L ?f3 0 ?f3 ?f2 0 ?f2 Z N\"><draw:equation draw:name=\"f2\" draw:formula=\"logheight\"/>"
                        "<draw:equation draw:name=\"f3\" draw:formula=\"logwidth\"/></draw:enhanced-geometry></draw:custom-shape></text:p>"
                        "</style:header>"),
-        QStringLiteral("<text:p>source body</text:p>"));
-    QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"source body boxed"} << QSize(612, 792);
-    QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"source body boxed"} << QSize(612, 792);
+        QStringLiteral("<text:p>source one</text:p><text:p text:style-name=\"B\">source two</text:p>"));
+    QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"boxed 1", "boxed 2"} << QSize(612, 792);
+    QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"boxed 1", "boxed 2"} << QSize(612, 792);
     // Its headers' groups hold text boxes; its body's fields show the author and a property of its own.
     QTest::newRow("grouped_shapes_in_header") << QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx") << QByteArray()
                                               << QStringList{"ROB (432)"} << QSize(595, 842);
