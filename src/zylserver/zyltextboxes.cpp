@@ -133,7 +133,11 @@ bool separate(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
     anchor->getText()->insertTextContent(anchor, uno::Reference<text::XTextContent>(frame, uno::UNO_QUERY_THROW), false);
     copyProperties(uno::Reference<beans::XPropertySet>(box, uno::UNO_QUERY_THROW),
                    uno::Reference<beans::XPropertySet>(frame, uno::UNO_QUERY_THROW));
-    copyText(factory, box->getText(), frame->getText());
+    try {
+        copyText(factory, box->getText(), frame->getText());
+    } catch (const uno::Exception &) {
+        // What was copied shows; the box must go all the same.
+    }
     shape->setPropertyValue(ou("TextBox"), uno::Any(false));
     return true;
 }
