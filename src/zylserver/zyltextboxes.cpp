@@ -26,12 +26,14 @@ namespace {
 
 // Copies every property that to can take whose name starts with prefix, styles first: setting a
 // style drops the formatting of one's own that it sets. Names, links to other frames, ruby text and
-// the Word formats' keepsakes belong to the box; page breaks mean nothing in a frame.
+// the Word formats' keepsakes belong to the box; page breaks mean nothing in a frame; an anchor is
+// set before the frame goes in.
 void copyProperties(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to,
                     const char *prefix = "")
 {
-    static const char *const own[] = {"TextBox", "TextBoxContent", "Name", "LinkDisplayName", "AnchorFrame", "AnchorPageNo",
-                                      "PageDescName", "PageNumberOffset", "BreakType", "CharAutoStyleName", "ParaAutoStyleName"};
+    static const char *const own[] = {"TextBox", "TextBoxContent", "Name", "LinkDisplayName", "AnchorType", "AnchorFrame",
+                                      "AnchorPageNo", "PageDescName", "PageNumberOffset", "BreakType", "CharAutoStyleName",
+                                      "ParaAutoStyleName"};
     const uno::Reference<beans::XPropertySetInfo> info = to->getPropertySetInfo();
     std::vector<rtl::OUString> names;
     for (const beans::Property &p : from->getPropertySetInfo()->getProperties()) {
@@ -130,9 +132,12 @@ bool separate(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
         return false;
     const uno::Reference<text::XTextRange> anchor = content->getAnchor();
     uno::Reference<text::XTextFrame> frame(factory->createInstance(ou("com.sun.star.text.TextFrame")), uno::UNO_QUERY_THROW);
+    const uno::Reference<beans::XPropertySet> boxProps(box, uno::UNO_QUERY_THROW);
+    const uno::Reference<beans::XPropertySet> frameProps(frame, uno::UNO_QUERY_THROW);
+    // Anchored anew once in a header, a frame could go to the footer.
+    frameProps->setPropertyValue(ou("AnchorType"), boxProps->getPropertyValue(ou("AnchorType")));
     anchor->getText()->insertTextContent(anchor, uno::Reference<text::XTextContent>(frame, uno::UNO_QUERY_THROW), false);
-    copyProperties(uno::Reference<beans::XPropertySet>(box, uno::UNO_QUERY_THROW),
-                   uno::Reference<beans::XPropertySet>(frame, uno::UNO_QUERY_THROW));
+    copyProperties(boxProps, frameProps);
     try {
         copyText(factory, box->getText(), frame->getText());
     } catch (const uno::Exception &) {

@@ -212,6 +212,7 @@ private slots:
     void cutFirstPage_data();
     void cutFirstPage();
     void appendMadeDocument();
+    void headerBoxStaysInHeader();
     void linkFieldSavesAsDoc();
     void endnotesStayWithTheirPages_data();
     void endnotesStayWithTheirPages();
@@ -1167,6 +1168,16 @@ void tst_ZylServer::appendMadeDocument()
         QVERIFY2(printed[i + 1].contains(texts[i]), qPrintable(printed[i + 1]));
         QVERIFY(size.isEmpty() || sizes[i + 1] == size);
     }
+}
+
+void tst_ZylServer::headerBoxStaysInHeader()
+{
+    // The frame given a grouped text box's text in a header went to the footer: "DmfA" beside the
+    // header's logo came out at the foot of the page.
+    const QString target = workCopy(m_one, QStringLiteral("box-target.docx"));
+    QCOMPARE(edited(target, appending({QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx")})), 2);
+    const QStringList printed = ZylTestDocuments::pageTexts(target);
+    QVERIFY2(printed.value(1).startsWith(QStringLiteral("DmfA ")), qPrintable(printed.value(1)));
 }
 
 void tst_ZylServer::linkFieldSavesAsDoc()
