@@ -212,7 +212,7 @@ private slots:
     void cutFirstPage_data();
     void cutFirstPage();
     void appendMadeDocument();
-    void headerBoxStaysInHeader();
+    void groupedHeaderBoxesAndPropertyFields();
     void linkFieldSavesAsDoc();
     void endnotesStayWithTheirPages_data();
     void endnotesStayWithTheirPages();
@@ -962,9 +962,6 @@ void tst_ZylServer::appendMadeDocument_data()
         QStringLiteral("<text:p>source one</text:p><text:p text:style-name=\"B\">source two</text:p>"));
     QTest::newRow("text_box_in_header_zyl") << QStringLiteral("zyl") << textBox << QStringList{"boxed 1", "boxed 2"} << QSize(612, 792);
     QTest::newRow("text_box_in_header_docx") << QStringLiteral("docx") << textBox << QStringList{"boxed 1", "boxed 2"} << QSize(612, 792);
-    // Its headers' groups hold text boxes; its body's fields show the author and a property of its own.
-    QTest::newRow("grouped_shapes_in_header") << QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx") << QByteArray()
-                                              << QStringList{"ROB (432)"} << QSize(595, 842);
     // A field showing the document's subject showed the merged document's, which has none.
     QTest::newRow("subject_field") << QStringLiteral("zyl")
                                    << ZylTestDocuments::flatDocument(QStringLiteral(
@@ -1170,14 +1167,15 @@ void tst_ZylServer::appendMadeDocument()
     }
 }
 
-void tst_ZylServer::headerBoxStaysInHeader()
+void tst_ZylServer::groupedHeaderBoxesAndPropertyFields()
 {
-    // The frame given a grouped text box's text in a header went to the footer: "DmfA" beside the
-    // header's logo came out at the foot of the page.
+    // Groups in its headers hold text boxes: inserting it ended the office, then the frame given a
+    // box's text went to the footer ("DmfA", beside the header's logo, came out at the foot of the
+    // page). Its body's fields show its author and a property of its own, which came out empty.
     const QString target = workCopy(m_one, QStringLiteral("box-target.docx"));
     QCOMPARE(edited(target, appending({QStringLiteral(ZYL_TEST_DATA "/grouped-header-shapes.docx")})), 2);
-    const QStringList printed = ZylTestDocuments::pageTexts(target);
-    QVERIFY2(printed.value(1).startsWith(QStringLiteral("DmfA ")), qPrintable(printed.value(1)));
+    const QString page = ZylTestDocuments::pageTexts(target).value(1);
+    QVERIFY2(page.startsWith(QStringLiteral("DmfA ")) && page.contains(QStringLiteral("ROB (432)")), qPrintable(page));
 }
 
 void tst_ZylServer::linkFieldSavesAsDoc()
