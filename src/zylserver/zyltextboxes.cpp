@@ -28,7 +28,7 @@ namespace {
 // style drops the formatting of one's own that it sets. Names, links to other frames, ruby text and
 // the Word formats' keepsakes belong to the box; page breaks mean nothing in a frame; an anchor is
 // set before the frame goes in.
-void copyProperties(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to,
+void copyFormatting(const uno::Reference<beans::XPropertySet> &from, const uno::Reference<beans::XPropertySet> &to,
                     const char *prefix = "")
 {
     static const char *const own[] = {"TextBox", "TextBoxContent", "Name", "LinkDisplayName", "AnchorType", "AnchorFrame",
@@ -64,7 +64,7 @@ uno::Reference<text::XTextContent> copyField(const uno::Reference<lang::XMultiSe
             continue;
         uno::Reference<text::XTextContent> copy(factory->createInstance(service), uno::UNO_QUERY);
         if (copy.is())
-            copyProperties(uno::Reference<beans::XPropertySet>(field, uno::UNO_QUERY_THROW),
+            copyFormatting(uno::Reference<beans::XPropertySet>(field, uno::UNO_QUERY_THROW),
                            uno::Reference<beans::XPropertySet>(copy, uno::UNO_QUERY_THROW));
         return copy;
     }
@@ -92,7 +92,7 @@ void copyText(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
             to->insertControlCharacter(to->getEnd(), text::ControlCharacter::PARAGRAPH_BREAK, false);
         first = false;
         // A paragraph style set after them would drop the characters' own formatting.
-        copyProperties(paragraph, lastInserted(0), "Para");
+        copyFormatting(paragraph, lastInserted(0), "Para");
         const uno::Reference<container::XEnumeration> items = portions->createEnumeration();
         while (items->hasMoreElements()) {
             uno::Reference<text::XTextRange> portion(items->nextElement(), uno::UNO_QUERY);
@@ -102,7 +102,7 @@ void copyText(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
                 continue;
             if (type == ou("Text") && !portion->getString().isEmpty()) {
                 to->insertString(to->getEnd(), portion->getString(), false);
-                copyProperties(props, lastInserted(portion->getString().getLength()), "Char");
+                copyFormatting(props, lastInserted(portion->getString().getLength()), "Char");
             } else if (type == ou("TextField")) {
                 uno::Reference<text::XTextField> field(props->getPropertyValue(ou("TextField")), uno::UNO_QUERY);
                 if (!field.is())
@@ -112,7 +112,7 @@ void copyText(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
                     if (!copy.is())
                         throw uno::RuntimeException();
                     to->insertTextContent(to->getEnd(), copy, false);
-                    copyProperties(props, lastInserted(1), "Char");
+                    copyFormatting(props, lastInserted(1), "Char");
                 } catch (const uno::Exception &) {
                     to->insertString(to->getEnd(), field->getPresentation(false), false);
                 }
@@ -137,7 +137,7 @@ bool separate(const uno::Reference<lang::XMultiServiceFactory> &factory, const u
     // Anchored anew once in a header, a frame could go to the footer.
     frameProps->setPropertyValue(ou("AnchorType"), boxProps->getPropertyValue(ou("AnchorType")));
     anchor->getText()->insertTextContent(anchor, uno::Reference<text::XTextContent>(frame, uno::UNO_QUERY_THROW), false);
-    copyProperties(boxProps, frameProps);
+    copyFormatting(boxProps, frameProps);
     try {
         copyText(factory, box->getText(), frame->getText());
     } catch (const uno::Exception &) {
